@@ -1,0 +1,128 @@
+#include "CliHost.h"
+
+#include <algorithm>
+#include <cctype>
+#include <cstdio>
+#include <sstream>
+
+namespace cli {
+namespace {
+
+std::string Upper(std::string_view text) {
+    std::string upper(text);
+    std::transform(upper.begin(), upper.end(), upper.begin(),
+                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
+    return upper;
+}
+
+const char* IconWord(host::MsgIcon icon) {
+    switch (icon) {
+        case host::MsgIcon::Error:
+            return "error";
+        case host::MsgIcon::Exclamation:
+            return "warning";
+        case host::MsgIcon::Question:
+        case host::MsgIcon::Information:
+        case host::MsgIcon::None:
+            break;
+    }
+    return "message";
+}
+
+}  // namespace
+
+void CliHost::Print(std::string_view text) {
+    if (!quiet) {
+        std::fwrite(text.data(), 1, text.size(), stdout);
+        std::fflush(stdout);
+    }
+}
+
+host::MsgResult CliHost::MessageBox(const host::MessageBoxRequest& request) {
+    const bool question = request.buttons != host::MsgButtons::Ok;
+    std::fprintf(stderr, "[%s] %s: %s\n", request.caption.c_str(), IconWord(request.icon),
+                 request.text.c_str());
+    if (!question) {
+        return host::MsgResult::Ok;
+    }
+    const bool okCancel = request.buttons == host::MsgButtons::OkCancel;
+    if (answer == Answer::Yes) {
+        std::fprintf(stderr, "  -> %s (--yes)\n", okCancel ? "OK" : "Yes");
+        return okCancel ? host::MsgResult::Ok : host::MsgResult::Yes;
+    }
+    if (answer == Answer::None) {
+        std::fprintf(stderr, "  -> refused: no answer given (pass --yes or --no)\n");
+        declined = true;
+    } else {
+        std::fprintf(stderr, "  -> %s (--no)\n", okCancel ? "Cancel" : "No");
+    }
+    return okCancel ? host::MsgResult::Cancel : host::MsgResult::No;
+}
+
+void CliHost::SendCommandString(std::string_view text) {
+    if (!text.empty()) {
+        pending_.emplace_back(text);
+    }
+}
+
+int CliHost::RunPendingCommands() {
+    int ran = 0;
+    while (!pending_.empty()) {
+        std::istringstream lines(pending_.front());
+        pending_.pop_front();
+        std::string line;
+        while (std::getline(lines, line)) {
+            const auto it = std::find_if(commands_.begin(), commands_.end(),
+                                         [&](const Command& c) { return c.name == Upper(line); });
+            if (it != commands_.end()) {
+                it->handler();
+                ++ran;
+            }
+        }
+    }
+    return ran;
+}
+
+host::InputStatus CliHost::GetPoint(std::string_view prompt, const cad::Point3d*,
+                                    cad::Point3d& picked) {
+    if (points.empty()) {
+        std::fprintf(stderr, "%.*s\n  -> no point given on the command line: cancelled\n",
+                     static_cast<int>(prompt.size()), prompt.data());
+        declined = true;
+        return host::InputStatus::Cancel;
+    }
+    picked = points.front();
+    points.pop_front();
+    return host::InputStatus::Normal;
+}
+
+host::InputStatus CliHost::Drag(cad::Handle, std::string_view prompt,
+                                const host::DragTransform&, cad::Point3d& picked) {
+    return GetPoint(prompt, nullptr, picked);
+}
+
+std::string CliHost::GetVariable(std::string_view name) {
+    const auto it = variables.find(Upper(name));
+    return it == variables.end() ? std::string() : it->second;
+}
+
+std::string CliHost::GetEnvironment(std::string_view name) {
+    const auto it = environment.find(std::string(name));
+    return it == environment.end() ? std::string() : it->second;
+}
+
+void CliHost::SetEnvironment(std::string_view name, std::string_view value) {
+    environment[std::string(name)] = std::string(value);
+}
+
+bool CliHost::AddCommand(std::string_view group, std::string_view globalName, std::string_view,
+                         int, host::CommandHandler handler) {
+    commands_.push_back({std::string(group), Upper(globalName), std::move(handler)});
+    return true;
+}
+
+void CliHost::RemoveGroup(std::string_view group) {
+    std::erase_if(commands_, [&](const Command& c) { return c.group == group; });
+}
+
+}  // namespace cli
