@@ -33,7 +33,7 @@ enum TermColumn { kColSequence = 0, kColTermValue, kColTermDesc, kColDetailDesc,
 enum ModuleColumn { kColCode = 0, kColPoints, kColType, kColDescription, kColRating };
 
 // Tree node images.
-enum TreeImage { kImageRoot = 0, kImageManufacturer = 1, kImageSeries, kImageType, kImageModule };
+enum TreeImage { kImageManufacturer = 1, kImageSeries, kImageType, kImageModule, kImageRoot = 6 };
 
 // Terminal-list state images: 1 and 4 mark a terminal as drawn, 0 and 3 do not, 2 is left
 // alone by clicks and counts as drawn.
@@ -175,5 +175,6 @@ private:
     bool PrepareDraw();
     void RequestDraw(std::string_view command);
     draw::TreeNode* SearchFrom(draw::TreeNode* start);
+    draw::TreeNode* SearchSubtree(draw::TreeNode* node);
     bool MatchesSearch(const std::string& code) const;
 };
