@@ -129,7 +129,8 @@ struct Ucs {
     Vector3d yAxis{0, 1, 0};
 
     Matrix3d ToWorld() const {
-        const Vector3d z{xAxis.y * yAxis.z - xAxis.z * yAxis.y, xAxis.z * yAxis.x - xAxis.x * yAxis.z,
+        const Vector3d z{xAxis.y * yAxis.z - xAxis.z * yAxis.y,
+                         xAxis.z * yAxis.x - xAxis.x * yAxis.z,
                          xAxis.x * yAxis.y - xAxis.y * yAxis.x};
         Matrix3d m;
         m(0, 0) = xAxis.x, m(0, 1) = yAxis.x, m(0, 2) = z.x, m(0, 3) = origin.x;

@@ -1,0 +1,314 @@
+#include "cad/Database.h"
+
+#include <algorithm>
+
+#include "cad/NumberText.h"
+
+namespace cad {
+
+Database::Database() {
+    CreateDefaults();
+}
+Database::Database(BareTag) {}
+Database::~Database() = default;
+
+DbObject* Database::Object(Handle h) {
+    auto it = objects_.find(h);
+    return it == objects_.end() ? nullptr : it->second.get();
+}
+
+const DbObject* Database::Object(Handle h) const {
+    auto it = objects_.find(h);
+    return it == objects_.end() ? nullptr : it->second.get();
+}
+
+Handle Database::NewHandle() {
+    return nextHandle_++;
+}
+
+void Database::ReserveHandle(Handle h) {
+    if (h >= nextHandle_) {
+        nextHandle_ = h + 1;
+    }
+}
+
+Handle Database::Add(std::unique_ptr<DbObject> object) {
+    if (object->handle == kNullHandle || objects_.count(object->handle) != 0) {
+        object->handle = NewHandle();
+    } else {
+        ReserveHandle(object->handle);
+    }
+    const Handle h = object->handle;
+    objects_.emplace(h, std::move(object));
+    return h;
+}
+
+void Database::ForEachObject(const std::function<void(const DbObject&)>& fn) const {
+    for (const auto& [h, o] : objects_) {
+        fn(*o);
+    }
+}
+
+Handle Database::Append(std::unique_ptr<Entity> entity, Handle space) {
+    if (space == kNullHandle) {
+        space = modelSpace_;
+    }
+    BlockRecord* block = Block(space);
+    if (block == nullptr) {
+        return kNullHandle;
+    }
+    entity->owner = space;
+    if (entity->layer == kNullHandle) {
+        entity->layer = currentLayer_;
+    }
+    if (auto* text = dynamic_cast<Text*>(entity.get());
+        text != nullptr && text->style == kNullHandle) {
+        text->style = currentStyle_;
+    }
+    if (auto* mtext = dynamic_cast<MText*>(entity.get());
+        mtext != nullptr && mtext->style == kNullHandle) {
+        mtext->style = currentStyle_;
+    }
+    const Handle h = Add(std::move(entity));
+    block->entities.push_back(h);
+    return h;
+}
+
+Handle Database::AppendToBlock(const std::string& blockName, std::unique_ptr<Entity> entity) {
+    const Handle block = FindBlock(blockName);
+    return block == kNullHandle ? kNullHandle : Append(std::move(entity), block);
+}
+
+std::vector<Entity*> Database::Entities(Handle space) {
+    std::vector<Entity*> out;
+    const BlockRecord* block = Block(space == kNullHandle ? modelSpace_ : space);
+    if (block == nullptr) {
+        return out;
+    }
+    out.reserve(block->entities.size());
+    for (Handle h : block->entities) {
+        auto* e = dynamic_cast<Entity*>(Object(h));
+        if (e != nullptr && !e->erased) {
+            out.push_back(e);
+        }
+    }
+    return out;
+}
+
+std::vector<const Entity*> Database::Entities(Handle space) const {
+    auto all = const_cast<Database*>(this)->Entities(space);
+    return {all.begin(), all.end()};
+}
+
+Handle Database::AddAttribute(Handle reference, std::unique_ptr<Attribute> attribute) {
+    auto* ref = Get<BlockReference>(reference);
+    if (ref == nullptr) {
+        return kNullHandle;
+    }
+    attribute->owner = reference;
+    if (attribute->layer == kNullHandle) {
+        attribute->layer = ref->layer;
+    }
+    if (attribute->style == kNullHandle) {
+        attribute->style = currentStyle_;
+    }
+    const Handle h = Add(std::move(attribute));
+    ref->attributes.push_back(h);
+    if (ref->seqend == kNullHandle) {
+        auto end = std::make_unique<Seqend>();
+        end->owner = reference;
+        end->layer = ref->layer;
+        ref->seqend = Add(std::move(end));
+    }
+    return h;
+}
+
+bool Database::Erase(Handle h) {
+    DbObject* o = Object(h);
+    if (o == nullptr || o->erased) {
+        return false;
+    }
+    o->erased = true;
+    if (auto* ref = dynamic_cast<BlockReference*>(o)) {
+        for (Handle a : ref->attributes) {
+            Erase(a);
+        }
+        Erase(ref->seqend);
+    } else if (auto* unknown = dynamic_cast<UnknownEntity*>(o)) {
+        for (Handle f : unknown->followers) {
+            Erase(f);
+        }
+    }
+    return true;
+}
+
+// ---- tables
+
+Handle Database::Table(const std::string& tableName) const {
+    for (Handle h : tables_) {
+        const auto* t = Get<SymbolTable>(h);
+        if (t != nullptr && EqualsNoCase(t->name, tableName)) {
+            return h;
+        }
+    }
+    return kNullHandle;
+}
+
+Handle Database::FindRecord(const std::string& tableName, std::string_view name) const {
+    const auto* table = Get<SymbolTable>(Table(tableName));
+    if (table == nullptr) {
+        return kNullHandle;
+    }
+    for (Handle h : table->records) {
+        const auto* r = Get<TableRecord>(h);
+        if (r != nullptr && !r->erased && EqualsNoCase(r->name, name)) {
+            return h;
+        }
+    }
+    return kNullHandle;
+}
+
+namespace {
+
+Handle AddRecord(Database& db, const std::string& tableName, std::unique_ptr<TableRecord> record) {
+    auto* table = db.Get<SymbolTable>(db.Table(tableName));
+    if (table == nullptr) {
+        auto head = std::make_unique<SymbolTable>();
+        head->name = tableName;
+        const Handle th = db.Add(std::move(head));
+        db.MutableTables().push_back(th);
+        table = db.Get<SymbolTable>(th);
+    }
+    record->owner = table->handle;
+    const Handle h = db.Add(std::move(record));
+    table->records.push_back(h);
+    return h;
+}
+
+}  // namespace
+
+Handle Database::AddLayer(const std::string& name, int color) {
+    if (Handle h = FindLayer(name); h != kNullHandle) {
+        return h;
+    }
+    auto layer = std::make_unique<LayerRecord>();
+    layer->name = name;
+    layer->color = color;
+    layer->linetype = FindLinetype("Continuous");
+    return AddRecord(*this, "LAYER", std::move(layer));
+}
+
+void Database::SetCurrentLayer(Handle layer) {
+    if (Layer(layer) != nullptr) {
+        currentLayer_ = layer;
+        SetHeader("$CLAYER", {{8, Layer(layer)->name}});
+    }
+}
+
+Handle Database::AddTextStyle(const std::string& name, const std::string& font,
+                              const std::string& bigFont) {
+    if (Handle h = FindTextStyle(name); h != kNullHandle) {
+        return h;
+    }
+    auto style = std::make_unique<TextStyleRecord>();
+    style->name = name;
+    style->font = font;
+    style->bigFont = bigFont;
+    return AddRecord(*this, "STYLE", std::move(style));
+}
+
+void Database::SetCurrentTextStyle(Handle style) {
+    if (TextStyle(style) != nullptr) {
+        currentStyle_ = style;
+        SetHeader("$TEXTSTYLE", {{7, TextStyle(style)->name}});
+    }
+}
+
+Handle Database::RegisterApp(const std::string& name) {
+    if (Handle h = FindApp(name); h != kNullHandle) {
+        return h;
+    }
+    auto app = std::make_unique<AppIdRecord>();
+    app->name = name;
+    return AddRecord(*this, "APPID", std::move(app));
+}
+
+std::string Database::AppName(Handle app) const {
+    const auto* r = Get<AppIdRecord>(app);
+    return r == nullptr ? std::string() : r->name;
+}
+
+// ---- blocks
+
+Handle Database::DefineBlock(const std::string& name, const Point3d& basePoint) {
+    if (Handle h = FindBlock(name); h != kNullHandle) {
+        return h;
+    }
+    auto block = std::make_unique<BlockRecord>();
+    block->name = name;
+    block->basePoint = basePoint;
+    block->beginHandle = NewHandle();
+    block->endHandle = NewHandle();
+    block->beginLayer = FindLayer("0");
+    return AddRecord(*this, "BLOCK_RECORD", std::move(block));
+}
+
+void Database::ClearBlock(Handle block) {
+    if (auto* b = Block(block)) {
+        for (Handle h : b->entities) {
+            Erase(h);
+        }
+    }
+}
+
+BlockReference* Database::InsertBlock(Handle block, const Point3d& position, const Vector3d& scale,
+                                      double rotation, Handle space) {
+    const BlockRecord* def = Block(block);
+    if (def == nullptr) {
+        return nullptr;
+    }
+    auto ref = std::make_unique<BlockReference>();
+    ref->block = block;
+    ref->position = position;
+    ref->scale = scale;
+    ref->rotation = rotation;
+    BlockReference* raw = ref.get();
+    if (Append(std::move(ref), space) == kNullHandle) {
+        return nullptr;
+    }
+    std::vector<const AttributeDefinition*> defs;
+    for (Handle h : def->entities) {
+        const auto* d = Get<AttributeDefinition>(h);
+        if (d != nullptr && !d->erased && (d->flags & 2) == 0) {
+            defs.push_back(d);
+        }
+    }
+    if (defs.empty()) {
+        return raw;
+    }
+    const Matrix3d m = Matrix3d::Translation({position.x, position.y, position.z}) *
+                       Matrix3d::Rotation(rotation) * Matrix3d::Scaling(scale.x, scale.y, scale.z) *
+                       Matrix3d::Translation(Point3d{} - def->basePoint);
+    for (const AttributeDefinition* d : defs) {
+        auto att = std::make_unique<Attribute>();
+        att->text = d->text;
+        att->widthFactor = d->widthFactor;
+        att->oblique = d->oblique;
+        att->style = d->style;
+        att->horizontal = d->horizontal;
+        att->vertical = d->vertical;
+        att->color = d->color;
+        att->visible = d->visible;
+        att->tag = d->tag;
+        att->flags = d->flags;
+        att->position = m.Apply(d->position);
+        att->alignment = m.Apply(d->alignment);
+        att->height = d->height * scale.y;
+        att->rotation = d->rotation + rotation;
+        att->layer = d->layer;
+        AddAttribute(raw->handle, std::move(att));
+    }
+    return raw;
+}
+
+}  // namespace cad

@@ -1,0 +1,174 @@
+#include "cad/Object.h"
+
+#include "cad/Entity.h"
+#include "cad/NumberText.h"
+#include "cad/Records.h"
+
+#include <charconv>
+#include <cmath>
+#include <cstring>
+
+namespace cad {
+
+DbObject::DbObject(const DbObject& o)
+    : handle(kNullHandle),
+      owner(o.owner),
+      erased(false),
+      extra(o.extra ? std::make_unique<ExtraTags>(*o.extra) : nullptr) {}
+
+Point3d Text::Anchor() const {
+    const bool plain = (horizontal == TextHorz::Left || horizontal == TextHorz::Aligned ||
+                        horizontal == TextHorz::Fit) &&
+                       vertical == TextVert::Baseline;
+    return plain ? position : alignment;
+}
+
+void Text::SetAnchor(const Point3d& p) {
+    position = p;
+    alignment = p;
+}
+
+bool BlockRecord::IsModelSpace() const {
+    return EqualsNoCase(name, "*Model_Space");
+}
+
+bool BlockRecord::IsPaperSpace() const {
+    return name.size() >= 12 && EqualsNoCase(std::string_view(name).substr(0, 12), "*Paper_Space");
+}
+
+bool EqualsNoCase(std::string_view a, std::string_view b) {
+    if (a.size() != b.size()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < a.size(); ++i) {
+        char x = a[i], y = b[i];
+        x = static_cast<char>(x >= 'a' && x <= 'z' ? x - 32 : x);
+        y = static_cast<char>(y >= 'a' && y <= 'z' ? y - 32 : y);
+        if (x != y) {
+            return false;
+        }
+    }
+    return true;
+}
+
+Handle Dictionary::Find(const std::string& key) const {
+    for (const auto& [k, v] : entries) {
+        if (k == key) {
+            return v;
+        }
+    }
+    return kNullHandle;
+}
+
+void Dictionary::Set(const std::string& key, Handle value) {
+    for (auto& [k, v] : entries) {
+        if (k == key) {
+            v = value;
+            return;
+        }
+    }
+    entries.emplace_back(key, value);
+}
+
+bool Dictionary::Remove(const std::string& key) {
+    for (auto it = entries.begin(); it != entries.end(); ++it) {
+        if (it->first == key) {
+            entries.erase(it);
+            return true;
+        }
+    }
+    return false;
+}
+
+std::string XRecord::Value(int code) const {
+    for (const auto& t : data) {
+        if (t.code == code) {
+            return t.value;
+        }
+    }
+    return {};
+}
+
+// ---- number text
+
+void AppendReal(std::string& out, double v) {
+    if (!std::isfinite(v)) {
+        v = 0;
+    }
+    if (v == 0) {
+        out += "0.0";
+        return;
+    }
+    char buf[32];
+    auto res = std::to_chars(buf, buf + sizeof buf, v);
+    const std::string_view s(buf, res.ptr - buf);
+    out += s;
+    if (s.find_first_of(".eEn") == std::string_view::npos) {
+        out += ".0";
+    }
+}
+
+std::string FormatReal(double v) {
+    std::string s;
+    AppendReal(s, v);
+    return s;
+}
+
+void AppendHandle(std::string& out, Handle h) {
+    char buf[20];
+    auto res = std::to_chars(buf, buf + sizeof buf, h, 16);
+    for (char* p = buf; p != res.ptr; ++p) {
+        out += static_cast<char>(*p >= 'a' && *p <= 'f' ? *p - 32 : *p);
+    }
+}
+
+std::string FormatHandle(Handle h) {
+    std::string s;
+    AppendHandle(s, h);
+    return s;
+}
+
+std::string_view Trim(std::string_view s) {
+    while (!s.empty() && (s.front() == ' ' || s.front() == '\t' || s.front() == '\r')) {
+        s.remove_prefix(1);
+    }
+    while (!s.empty() && (s.back() == ' ' || s.back() == '\t' || s.back() == '\r')) {
+        s.remove_suffix(1);
+    }
+    return s;
+}
+
+bool ParseReal(std::string_view text, double& out) {
+    text = Trim(text);
+    if (!text.empty() && text.front() == '+') {
+        text.remove_prefix(1);
+    }
+    if (text.empty()) {
+        return false;
+    }
+    auto res = std::from_chars(text.data(), text.data() + text.size(), out);
+    return res.ec == std::errc() && res.ptr == text.data() + text.size() && std::isfinite(out);
+}
+
+bool ParseInt(std::string_view text, long long& out) {
+    text = Trim(text);
+    if (!text.empty() && text.front() == '+') {
+        text.remove_prefix(1);
+    }
+    if (text.empty()) {
+        return false;
+    }
+    auto res = std::from_chars(text.data(), text.data() + text.size(), out);
+    return res.ec == std::errc() && res.ptr == text.data() + text.size();
+}
+
+bool ParseHandle(std::string_view text, Handle& out) {
+    text = Trim(text);
+    if (text.empty() || text.size() > 16) {
+        return false;
+    }
+    auto res = std::from_chars(text.data(), text.data() + text.size(), out, 16);
+    return res.ec == std::errc() && res.ptr == text.data() + text.size();
+}
+
+}  // namespace cad

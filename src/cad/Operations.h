@@ -1,0 +1,60 @@
+// Operations on entities and blocks: extents, transforms, explode, and copying one
+// database's model space into another as a block.
+#pragma once
+
+#include <optional>
+#include <string>
+#include <vector>
+
+#include "cad/Database.h"
+
+namespace cad {
+
+struct Extents3d {
+    Point3d min;
+    Point3d max;
+
+    void Add(const Point3d& p);
+    void Add(const Extents3d& e);
+};
+
+// Text measure. A text's box runs from its baseline up to its height; its width is the sum
+// of its characters' advances: a full-width character (CJK ideographs, kana, hangul,
+// full-width forms: East Asian Wide or Fullwidth) advances height x widthFactor, every other
+// character 0.6 x height x widthFactor. No font is consulted, so every host measures alike.
+double TextWidth(std::string_view utf8, double height, double widthFactor);
+// The visible text of MText contents: formatting codes removed, one string per paragraph.
+std::vector<std::string> MTextLines(std::string_view contents);
+
+// Extents of one entity in world coordinates. None for invisible or erased entities, empty
+// texts, unmodelled entities and block references whose block yields nothing. A block
+// reference measures the entities of its block (recursively) under its transform, and its
+// visible attributes.
+std::optional<Extents3d> EntityExtents(const Database& db, const Entity& entity);
+
+// The transform of a block reference: block base point to the origin, scale, rotation,
+// then to the insertion point.
+Matrix3d BlockTransform(const Database& db, const BlockReference& ref);
+
+// Applies an affine transform to a modelled entity. Non-uniform scaling of circles, arcs,
+// texts and block references keeps them what they are (radius and heights scale by the
+// mean of the X and Y factors). False for unmodelled entities.
+bool TransformEntity(Entity& entity, const Matrix3d& m);
+
+// Replaces a block reference by copies of its block's entities (and its attributes as
+// texts), transformed, appended to the reference's owner space; nested references are
+// exploded too. The reference is erased. Returns the handles of the new entities.
+std::vector<Handle> ExplodeReference(Database& db, Handle reference);
+// Explodes every block reference in a space; returns how many were exploded.
+int ExplodeAllReferences(Database& db, Handle space = kNullHandle);
+
+// Copies the live entities of `source`'s model space into block `blockName` of `target`
+// (defined or redefined; its base point is the source's $INSBASE), with the layers, text
+// styles, applications and nested blocks they use. Handles are new; 1005 items that point
+// at copied entities are remapped. Returns the block record, or kNullHandle.
+Handle InsertAsBlock(Database& target, const Database& source, const std::string& blockName);
+
+// Deep-copies an entity into the same database (new handle, same owner space).
+Handle CopyEntity(Database& db, Handle entity, Handle space = kNullHandle);
+
+}  // namespace cad

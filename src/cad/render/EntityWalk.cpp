@@ -1,0 +1,242 @@
+#include "cad/render/EntityWalk.h"
+
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "cad/Operations.h"
+#include "cad/render/Colours.h"
+
+namespace cad::render {
+
+namespace {
+
+// The context an entity is drawn in: the transform to the world, and what ByBlock and
+// layer "0" stand for inside the reference being drawn.
+struct Context {
+    Matrix3d toWorld;
+    int blockColour = 7;
+    Handle blockLayer = kNullHandle;
+    int depth = 0;
+    bool insideReference = false;
+};
+
+class Walker {
+public:
+    Walker(const Database& db, Canvas& canvas, const WalkOptions& options)
+        : db_(db), canvas_(canvas), options_(options) {}
+
+    void Space(Handle space, const Context& ctx) {
+        for (const Entity* entity : db_.Entities(space)) {
+            One(*entity, ctx);
+        }
+    }
+
+    WalkCounts counts;
+
+private:
+    Handle EffectiveLayer(const Entity& e, const Context& ctx) const {
+        const LayerRecord* layer = db_.Layer(e.layer);
+        if (ctx.insideReference && layer && layer->name == "0" && ctx.blockLayer) {
+            return ctx.blockLayer;
+        }
+        return e.layer;
+    }
+
+    bool LayerShown(Handle layerHandle) const {
+        const LayerRecord* layer = db_.Layer(layerHandle);
+        return !layer || (layer->color >= 0 && (layer->flags & 1) == 0);
+    }
+
+    int ColourIndex(const Entity& e, Handle layerHandle, const Context& ctx) const {
+        if (e.color == kColorByBlock) {
+            return ctx.blockColour;
+        }
+        if (e.color == kColorByLayer || e.color < 0 || e.color > 255) {
+            const LayerRecord* layer = db_.Layer(layerHandle);
+            return layer ? std::abs(layer->color) : 7;
+        }
+        return e.color;
+    }
+
+    void One(const Entity& e, const Context& ctx);
+    void Reference(const BlockReference& ref, int colour, Handle layer, const Context& ctx);
+    void DrawText(const Text& text, Rgb colour, const Matrix3d& m);
+    void DrawMText(const MText& text, Rgb colour, const Matrix3d& m);
+    void DrawPolyline(const LwPolyline& pl, Rgb colour, const Matrix3d& m);
+
+    const Database& db_;
+    Canvas& canvas_;
+    const WalkOptions& options_;
+};
+
+Point2 At(const Matrix3d& m, const Point3d& p) {
+    const Point3d w = m.Apply(p);
+    return {w.x, w.y};
+}
+
+double Angle(const Matrix3d& m, double angle) {
+    const Vector3d d = m.Apply(Vector3d{std::cos(angle), std::sin(angle), 0});
+    return std::atan2(d.y, d.x);
+}
+
+double ScaleAlong(const Matrix3d& m, double angle) {
+    return m.Apply(Vector3d{std::cos(angle), std::sin(angle), 0}).Length();
+}
+
+bool Mirrors(const Matrix3d& m) { return m(0, 0) * m(1, 1) - m(0, 1) * m(1, 0) < 0; }
+
+double MeanScale(const Matrix3d& m) {
+    return std::sqrt(std::abs(m(0, 0) * m(1, 1) - m(0, 1) * m(1, 0)));
+}
+
+void Walker::One(const Entity& e, const Context& ctx) {
+    const Handle layer = EffectiveLayer(e, ctx);
+    if (e.erased || !e.visible || !LayerShown(layer)) {
+        ++counts.skipped;
+        return;
+    }
+    const int index = ColourIndex(e, layer, ctx);
+    const Rgb colour = PaintColour(index, options_.background);
+    const Matrix3d& m = ctx.toWorld;
+    switch (e.Kind()) {
+        case ObjectKind::Line: {
+            const auto& line = static_cast<const Line&>(e);
+            canvas_.Line(At(m, line.start), At(m, line.end), colour);
+            break;
+        }
+        case ObjectKind::LwPolyline:
+            DrawPolyline(static_cast<const LwPolyline&>(e), colour, m);
+            break;
+        case ObjectKind::Circle: {
+            const auto& circle = static_cast<const Circle&>(e);
+            canvas_.Circle(At(m, circle.center), circle.radius * MeanScale(m), colour);
+            break;
+        }
+        case ObjectKind::Arc: {
+            const auto& arc = static_cast<const Arc&>(e);
+            double a0 = Angle(m, arc.startAngle), a1 = Angle(m, arc.endAngle);
+            if (Mirrors(m)) {
+                std::swap(a0, a1);
+            }
+            canvas_.Arc(At(m, arc.center), arc.radius * MeanScale(m), a0, a1, colour);
+            break;
+        }
+        case ObjectKind::Point:
+            canvas_.Dot(At(m, static_cast<const PointEntity&>(e).position), colour);
+            break;
+        case ObjectKind::AttributeDefinition:
+            if (ctx.insideReference) {
+                ++counts.skipped;
+                return;
+            }
+            [[fallthrough]];
+        case ObjectKind::Attribute:
+        case ObjectKind::Text:
+            DrawText(static_cast<const Text&>(e), colour, m);
+            break;
+        case ObjectKind::MText:
+            DrawMText(static_cast<const MText&>(e), colour, m);
+            break;
+        case ObjectKind::BlockReference:
+            Reference(static_cast<const BlockReference&>(e), index, layer, ctx);
+            break;
+        default:
+            ++counts.skipped;
+            return;
+    }
+    ++counts.drawn;
+}
+
+void Walker::Reference(const BlockReference& ref, int colour, Handle layer, const Context& ctx) {
+    if (ctx.depth < options_.maxDepth && db_.Block(ref.block)) {
+        Context inner;
+        inner.toWorld = ctx.toWorld * BlockTransform(db_, ref);
+        inner.blockColour = colour;
+        inner.blockLayer = layer;
+        inner.depth = ctx.depth + 1;
+        inner.insideReference = true;
+        Space(ref.block, inner);
+    }
+    for (const Handle h : ref.attributes) {
+        const Attribute* attribute = db_.Get<Attribute>(h);
+        if (attribute && (attribute->flags & 1) == 0) {
+            One(*attribute, ctx);
+        }
+    }
+}
+
+void Walker::DrawPolyline(const LwPolyline& pl, Rgb colour, const Matrix3d& m) {
+    const double scale = MeanScale(m);
+    const bool mirrored = Mirrors(m);
+    std::vector<PolyVertex> vertices;
+    vertices.reserve(pl.vertices.size());
+    for (const LwVertex& v : pl.vertices) {
+        PolyVertex out;
+        out.point = At(m, Point3d{v.x, v.y, pl.elevation});
+        out.startWidth = (v.startWidth >= 0 ? v.startWidth : pl.constantWidth) * scale;
+        out.endWidth = (v.endWidth >= 0 ? v.endWidth : pl.constantWidth) * scale;
+        out.bulge = mirrored ? -v.bulge : v.bulge;
+        vertices.push_back(out);
+    }
+    canvas_.Polyline(vertices, pl.closed, colour);
+}
+
+void Walker::DrawText(const Text& text, Rgb colour, const Matrix3d& m) {
+    if (text.text.empty()) {
+        return;
+    }
+    TextLine line;
+    line.text = text.text;
+    line.height = text.height * ScaleAlong(m, text.rotation + std::numbers::pi / 2);
+    line.widthFactor = text.widthFactor * ScaleAlong(m, text.rotation) /
+                       std::max(1e-12, ScaleAlong(m, text.rotation + std::numbers::pi / 2));
+    const bool stretched = text.horizontal == TextHorz::Aligned || text.horizontal == TextHorz::Fit;
+    if (stretched) {
+        const Point2 a = At(m, text.position), b = At(m, text.alignment);
+        line.anchor = a;
+        line.fitLength = std::hypot(b.x - a.x, b.y - a.y);
+        line.rotation = line.fitLength > 0 ? std::atan2(b.y - a.y, b.x - a.x) : Angle(m, text.rotation);
+    } else {
+        line.anchor = At(m, text.Anchor());
+        line.rotation = Angle(m, text.rotation);
+        line.hAlign = text.horizontal == TextHorz::Right    ? HAlign::Right
+                      : text.horizontal == TextHorz::Left   ? HAlign::Left
+                                                            : HAlign::Center;
+        line.vAlign = text.horizontal == TextHorz::Middle ? VAlign::Middle
+                      : text.vertical == TextVert::Bottom ? VAlign::Bottom
+                      : text.vertical == TextVert::Middle ? VAlign::Middle
+                      : text.vertical == TextVert::Top    ? VAlign::Top
+                                                          : VAlign::Baseline;
+    }
+    canvas_.Text(line, colour);
+}
+
+void Walker::DrawMText(const MText& text, Rgb colour, const Matrix3d& m) {
+    TextBlock block;
+    block.paragraphs = MTextLines(text.contents);
+    if (block.paragraphs.empty()) {
+        return;
+    }
+    const double up = ScaleAlong(m, text.rotation + std::numbers::pi / 2);
+    block.anchor = At(m, text.position);
+    block.height = text.height * up;
+    block.rotation = Angle(m, text.rotation);
+    block.attachment = text.attachment;
+    block.referenceWidth = text.referenceWidth * ScaleAlong(m, text.rotation);
+    const TextStyleRecord* style = db_.TextStyle(text.style);
+    block.widthFactor = style && style->widthFactor > 0 ? style->widthFactor : 1.0;
+    canvas_.MText(block, colour);
+}
+
+}  // namespace
+
+WalkCounts DrawSpace(const Database& db, Canvas& canvas, const WalkOptions& options,
+                     Handle space) {
+    Walker walker(db, canvas, options);
+    Context ctx;
+    walker.Space(space == kNullHandle ? db.ModelSpace() : space, ctx);
+    return walker.counts;
+}
+
+}  // namespace cad::render

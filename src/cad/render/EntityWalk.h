@@ -1,0 +1,28 @@
+// The one walk over a drawing's entities that every view shares: each entity is resolved
+// (layer visibility, ByLayer and ByBlock colours, block transforms) and drawn on a Canvas.
+#pragma once
+
+#include <string>
+
+#include "cad/Database.h"
+#include "cad/render/Canvas.h"
+
+namespace cad::render {
+
+struct WalkOptions {
+    Rgb background{1, 1, 1};  // decides the colour of index 7 and the darkening of light ones
+    int maxDepth = 16;        // nested block references deeper than this are left out
+};
+
+// What the walk met, for the caller's report.
+struct WalkCounts {
+    int drawn = 0;
+    int skipped = 0;  // invisible, on a layer that is off or frozen, or not drawable
+};
+
+// Draws the live entities of `space` (model space when kNullHandle). Attribute definitions
+// show their tags when the block itself is drawn, and are left out inside references.
+WalkCounts DrawSpace(const Database& db, Canvas& canvas, const WalkOptions& options,
+                     Handle space = kNullHandle);
+
+}  // namespace cad::render
