@@ -1,0 +1,17 @@
+#include "app/PlcDataLibEditMain.h"
+
+#include "host/Host.h"
+#include "host/SuiteServices.h"
+
+namespace app {
+
+void CPlcDataLibEditMain::Run() {
+    // An ordinary network client may draw from the library but never edit it.
+    if (suite::GetCurZandrixInstallStyle() == 2) {
+        host::Print("普通客户端无运行此命令的权限！\n");
+        return;
+    }
+    host::Current().ActivateMainWindow();
+}
+
+}  // namespace app
