@@ -90,6 +90,9 @@ private:
     sqlite3* db_ = nullptr;
 };
 
+// Equality of names and values as the engine compares text: without regard to ASCII case.
+bool EqualsIgnoreCase(std::string_view a, std::string_view b);
+
 // The statements that make a new empty library.
 const std::vector<std::string>& BaseSchemaStatements();
 
