@@ -42,8 +42,7 @@ void InitPlcDrawSettings(PlcDrawSettings& settings);
 void LoadPlcDrawSettings(PlcDrawSettings& settings);
 
 // Loads from lines already read; `lines` null stands for a file that cannot be opened.
-void LoadPlcDrawSettingsFromLines(PlcDrawSettings& settings,
-                                  const std::vector<std::string>* lines);
+void LoadPlcDrawSettingsFromLines(PlcDrawSettings& settings, const std::vector<std::string>* lines);
 
 // Full path of LocalData/PlcDrawSetting.dat under the local installation folder.
 std::string PlcDrawSettingFilePath();
