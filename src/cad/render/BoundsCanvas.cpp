@@ -32,8 +32,7 @@ void BoundsCanvas::Polyline(const std::vector<PolyVertex>& vertices, bool closed
     for (size_t i = 0; i < segments && n > 1; ++i) {
         const PolyVertex& v = vertices[i];
         const Point2 to = vertices[(i + 1) % n].point;
-        for (const auto& p :
-             WideSegmentOutline(v.point, to, v.bulge, v.startWidth, v.endWidth)) {
+        for (const auto& p : WideSegmentOutline(v.point, to, v.bulge, v.startWidth, v.endWidth)) {
             box_.Add(p);
         }
     }
@@ -50,7 +49,9 @@ void BoundsCanvas::Arc(Point2 centre, double radius, double startAngle, double e
     }
 }
 
-void BoundsCanvas::Dot(Point2 at, Rgb) { box_.Add(at); }
+void BoundsCanvas::Dot(Point2 at, Rgb) {
+    box_.Add(at);
+}
 
 void BoundsCanvas::Text(const TextLine& line, Rgb) {
     const double advance = line.fitLength > 0

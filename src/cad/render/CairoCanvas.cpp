@@ -26,8 +26,7 @@ std::string SafeText(const std::string& text) {
 
 }  // namespace
 
-CairoCanvas::CairoCanvas(cairo_t* cr, View view, double lineWidthPx,
-                         const std::string& fontFamily)
+CairoCanvas::CairoCanvas(cairo_t* cr, View view, double lineWidthPx, const std::string& fontFamily)
     : cr_(cr), view_(view), lineWidthPx_(lineWidthPx) {
     cairo_select_font_face(cr_, fontFamily.c_str(), CAIRO_FONT_SLANT_NORMAL,
                            CAIRO_FONT_WEIGHT_NORMAL);
@@ -45,7 +44,9 @@ Point2 CairoCanvas::ToPixel(Point2 world) const {
     return {(world.x - view_.topLeft.x) * view_.scale, (view_.topLeft.y - world.y) * view_.scale};
 }
 
-void CairoCanvas::SetColour(Rgb colour) { cairo_set_source_rgb(cr_, colour.r, colour.g, colour.b); }
+void CairoCanvas::SetColour(Rgb colour) {
+    cairo_set_source_rgb(cr_, colour.r, colour.g, colour.b);
+}
 
 void CairoCanvas::StrokePoints(const std::vector<Point2>& points, Rgb colour) {
     if (points.empty()) {
@@ -80,7 +81,9 @@ void CairoCanvas::FillPoints(const std::vector<Point2>& points, Rgb colour) {
     cairo_stroke(cr_);
 }
 
-void CairoCanvas::Line(Point2 from, Point2 to, Rgb colour) { StrokePoints({from, to}, colour); }
+void CairoCanvas::Line(Point2 from, Point2 to, Rgb colour) {
+    StrokePoints({from, to}, colour);
+}
 
 void CairoCanvas::Polyline(const std::vector<PolyVertex>& vertices, bool closed, Rgb colour) {
     const size_t n = vertices.size();

@@ -11,8 +11,8 @@
 namespace cad::render {
 
 struct View {
-    Point2 topLeft;     // the world point at pixel (0, 0)
-    double scale = 1;   // pixels per drawing unit
+    Point2 topLeft;    // the world point at pixel (0, 0)
+    double scale = 1;  // pixels per drawing unit
 };
 
 class CairoCanvas : public Canvas {
@@ -25,8 +25,7 @@ public:
     void Line(Point2 from, Point2 to, Rgb colour) override;
     void Polyline(const std::vector<PolyVertex>& vertices, bool closed, Rgb colour) override;
     void Circle(Point2 centre, double radius, Rgb colour) override;
-    void Arc(Point2 centre, double radius, double startAngle, double endAngle,
-             Rgb colour) override;
+    void Arc(Point2 centre, double radius, double startAngle, double endAngle, Rgb colour) override;
     void Dot(Point2 at, Rgb colour) override;
     void Text(const TextLine& line, Rgb colour) override;
     void MText(const TextBlock& block, Rgb colour) override;

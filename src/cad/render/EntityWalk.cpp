@@ -84,7 +84,9 @@ double ScaleAlong(const Matrix3d& m, double angle) {
     return m.Apply(Vector3d{std::cos(angle), std::sin(angle), 0}).Length();
 }
 
-bool Mirrors(const Matrix3d& m) { return m(0, 0) * m(1, 1) - m(0, 1) * m(1, 0) < 0; }
+bool Mirrors(const Matrix3d& m) {
+    return m(0, 0) * m(1, 1) - m(0, 1) * m(1, 0) < 0;
+}
 
 double MeanScale(const Matrix3d& m) {
     return std::sqrt(std::abs(m(0, 0) * m(1, 1) - m(0, 1) * m(1, 0)));
@@ -196,13 +198,14 @@ void Walker::DrawText(const Text& text, Rgb colour, const Matrix3d& m) {
         const Point2 a = At(m, text.position), b = At(m, text.alignment);
         line.anchor = a;
         line.fitLength = std::hypot(b.x - a.x, b.y - a.y);
-        line.rotation = line.fitLength > 0 ? std::atan2(b.y - a.y, b.x - a.x) : Angle(m, text.rotation);
+        line.rotation =
+            line.fitLength > 0 ? std::atan2(b.y - a.y, b.x - a.x) : Angle(m, text.rotation);
     } else {
         line.anchor = At(m, text.Anchor());
         line.rotation = Angle(m, text.rotation);
-        line.hAlign = text.horizontal == TextHorz::Right    ? HAlign::Right
-                      : text.horizontal == TextHorz::Left   ? HAlign::Left
-                                                            : HAlign::Center;
+        line.hAlign = text.horizontal == TextHorz::Right  ? HAlign::Right
+                      : text.horizontal == TextHorz::Left ? HAlign::Left
+                                                          : HAlign::Center;
         line.vAlign = text.horizontal == TextHorz::Middle ? VAlign::Middle
                       : text.vertical == TextVert::Bottom ? VAlign::Bottom
                       : text.vertical == TextVert::Middle ? VAlign::Middle
@@ -231,8 +234,7 @@ void Walker::DrawMText(const MText& text, Rgb colour, const Matrix3d& m) {
 
 }  // namespace
 
-WalkCounts DrawSpace(const Database& db, Canvas& canvas, const WalkOptions& options,
-                     Handle space) {
+WalkCounts DrawSpace(const Database& db, Canvas& canvas, const WalkOptions& options, Handle space) {
     Walker walker(db, canvas, options);
     Context ctx;
     walker.Space(space == kNullHandle ? db.ModelSpace() : space, ctx);

@@ -35,8 +35,8 @@ std::vector<Point2> SegmentPoints(Point2 from, Point2 to, double bulge, double m
     points.push_back(from);
     for (int i = 1; i < pieces; ++i) {
         const double a = arc.startAngle + arc.sweep * i / pieces;
-        points.push_back({arc.centre.x + arc.radius * std::cos(a),
-                          arc.centre.y + arc.radius * std::sin(a)});
+        points.push_back(
+            {arc.centre.x + arc.radius * std::cos(a), arc.centre.y + arc.radius * std::sin(a)});
     }
     points.push_back(to);
     return points;

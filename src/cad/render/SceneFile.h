@@ -10,8 +10,8 @@
 namespace cad::render {
 
 struct PictureOptions {
-    int widthPx = 1200;            // the picture's width; its height follows the drawing
-    int maxHeightPx = 8000;        // a very tall drawing is scaled down to this
+    int widthPx = 1200;      // the picture's width; its height follows the drawing
+    int maxHeightPx = 8000;  // a very tall drawing is scaled down to this
     double marginPx = 16;
     double lineWidthPx = 1.2;
     Rgb background{1, 1, 1};

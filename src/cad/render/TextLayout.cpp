@@ -22,7 +22,9 @@ std::vector<std::string_view> Utf8Chars(std::string_view text) {
 namespace {
 
 char32_t CodePoint(std::string_view c) {
-    const auto b = [&](size_t i) { return static_cast<char32_t>(static_cast<unsigned char>(c[i])); };
+    const auto b = [&](size_t i) {
+        return static_cast<char32_t>(static_cast<unsigned char>(c[i]));
+    };
     switch (c.size()) {
         case 2:
             return ((b(0) & 0x1F) << 6) | (b(1) & 0x3F);
@@ -105,8 +107,9 @@ std::vector<TextLine> LayoutTextBlock(const TextBlock& block, const MeasureLine&
     const double pitch = block.lineSpacing * block.height;
     const double total = block.height + pitch * (lines.size() - 1);
     // Baseline of the first line, measured along the block's own up direction.
-    const double firstBaseline =
-        row == 0 ? -block.height : row == 1 ? total / 2 - block.height : total - block.height;
+    const double firstBaseline = row == 0   ? -block.height
+                                 : row == 1 ? total / 2 - block.height
+                                            : total - block.height;
     const double c = std::cos(block.rotation), s = std::sin(block.rotation);
     std::vector<TextLine> out;
     for (size_t i = 0; i < lines.size(); ++i) {
@@ -130,9 +133,9 @@ namespace cad::render {
 
 Point2 AlignOffset(const TextLine& line, double advance) {
     Point2 offset;
-    offset.x = line.hAlign == HAlign::Center ? -advance / 2
+    offset.x = line.hAlign == HAlign::Center  ? -advance / 2
                : line.hAlign == HAlign::Right ? -advance
-                                               : 0;
+                                              : 0;
     switch (line.vAlign) {
         case VAlign::Bottom:
             offset.y = 0.25 * line.height;  // the descenders rest on the anchor
@@ -152,8 +155,8 @@ Point2 AlignOffset(const TextLine& line, double advance) {
 std::vector<Point2> TextLineBox(const TextLine& line, double advance) {
     const Point2 o = AlignOffset(line, advance);
     const double bottom = o.y - 0.25 * line.height, top = o.y + 1.2 * line.height;
-    const Point2 local[4] = {{o.x, bottom}, {o.x + advance, bottom}, {o.x + advance, top},
-                             {o.x, top}};
+    const Point2 local[4] = {
+        {o.x, bottom}, {o.x + advance, bottom}, {o.x + advance, top}, {o.x, top}};
     const double c = std::cos(line.rotation), s = std::sin(line.rotation);
     std::vector<Point2> corners;
     for (const auto& p : local) {
