@@ -1,0 +1,150 @@
+// The drawing dialog's terminal list: marks, direction patterns, flips and orientation.
+#include <gtest/gtest.h>
+
+#include "DialogTestSupport.h"
+#include "draw/DlgPlcRendal.h"
+
+using dialog_test::DialogEnvironment;
+
+namespace {
+
+const std::string kUp(kDirUp), kDown(kDirDown), kLeft(kDirLeft), kRight(kDirRight);
+
+std::vector<std::string> Directions(const CDlgPlcRendal& dlg) {
+    std::vector<std::string> texts;
+    for (int i = 0; i < dlg.termList.Count(); ++i) {
+        texts.push_back(dlg.termList.Text(i, kColDirection));
+    }
+    return texts;
+}
+
+// A dialog showing module DI-16A (7 terminal rows).
+class TermListTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        dlg = env.OpenDialog();
+        ASSERT_TRUE(dlg->SelectModulePath("Alpha", "S1", "DI", "DI-16A"));
+        ASSERT_EQ(dlg->termList.Count(), 7);
+    }
+    DialogEnvironment env;
+    std::unique_ptr<CDlgPlcRendal> dlg;
+};
+
+}  // namespace
+
+TEST_F(TermListTest, ClickInTheIconColumnTogglesTheMarkOfTheOneSelectedRow) {
+    auto& list = dlg->termList;
+    list.SelectOnly(2);
+    dlg->OnTermListClick(dlg->stateIconWidth);
+    EXPECT_EQ(list.StateImage(2), 0);
+    dlg->OnTermListClick(3);
+    EXPECT_EQ(list.StateImage(2), 1);
+
+    dlg->OnTermListClick(dlg->stateIconWidth + 1);  // beside the icon: no change
+    EXPECT_EQ(list.StateImage(2), 1);
+
+    list.SetStateImage(2, 3);
+    dlg->OnTermListClick(0);
+    EXPECT_EQ(list.StateImage(2), 1);
+    list.SetStateImage(2, 4);
+    dlg->OnTermListClick(0);
+    EXPECT_EQ(list.StateImage(2), 0);
+    list.SetStateImage(2, 2);
+    dlg->OnTermListClick(0);
+    EXPECT_EQ(list.StateImage(2), 2);
+
+    list.SetSelected(3, true);  // two rows selected: clicks change nothing
+    list.SetStateImage(2, 1);
+    dlg->OnTermListClick(0);
+    EXPECT_EQ(list.StateImage(2), 1);
+    EXPECT_EQ(list.StateImage(3), 1);
+}
+
+TEST_F(TermListTest, PatternsOverSevenRowsHorizontal) {
+    dlg->OnTermMenuCommand(kMenuHalfFirst);
+    EXPECT_EQ(dlg->termDirChoice, 4);
+    EXPECT_EQ(Directions(*dlg),
+              (std::vector<std::string>{kUp, kUp, kUp, kUp, kDown, kDown, kDown}));
+    dlg->OnTermMenuCommand(kMenuHalfSecond);
+    EXPECT_EQ(Directions(*dlg),
+              (std::vector<std::string>{kDown, kDown, kDown, kDown, kUp, kUp, kUp}));
+    dlg->OnTermMenuCommand(kMenuEvenFirst);
+    EXPECT_EQ(Directions(*dlg),
+              (std::vector<std::string>{kUp, kDown, kUp, kDown, kUp, kDown, kUp}));
+    dlg->OnTermMenuCommand(kMenuEvenSecond);
+    EXPECT_EQ(Directions(*dlg),
+              (std::vector<std::string>{kDown, kUp, kDown, kUp, kDown, kUp, kDown}));
+    dlg->OnTermMenuCommand(kMenuAllSecond);
+    EXPECT_EQ(Directions(*dlg), std::vector<std::string>(7, kDown));
+    dlg->OnTermMenuCommand(kMenuAllFirst);
+    EXPECT_EQ(dlg->termDirChoice, 0);
+    EXPECT_EQ(Directions(*dlg), std::vector<std::string>(7, kUp));
+}
+
+TEST_F(TermListTest, PatternsApplyToUnmarkedRowsAndUseLeftRightWhenVertical) {
+    dlg->termList.SetStateImage(0, 0);
+    dlg->OnVertical();
+    dlg->OnTermMenuCommand(kMenuHalfFirst);
+    EXPECT_EQ(Directions(*dlg),
+              (std::vector<std::string>{kLeft, kLeft, kLeft, kLeft, kRight, kRight, kRight}));
+    EXPECT_EQ(kRight, "     向右");  // five blanks, unlike new rows
+}
+
+TEST_F(TermListTest, MenuTextsFollowTheOrientation) {
+    auto horizontal = dlg->TermMenuEntries();
+    ASSERT_EQ(horizontal.size(), 7u);
+    EXPECT_EQ(horizontal[4].id, kMenuHalfFirst);
+    EXPECT_EQ(horizontal[4].text, "前半部分向上,后面向下");
+    EXPECT_EQ(horizontal[3].text, "奇数向下,偶数向上");
+    EXPECT_EQ(horizontal[6].text, "改变端点连接方向");
+    dlg->OnVertical();
+    auto vertical = dlg->TermMenuEntries();
+    EXPECT_EQ(vertical[0].text, "全部向左");
+    EXPECT_EQ(vertical[5].text, "前半部分向右,后面向左");
+    EXPECT_EQ(vertical[6].text, "改变端点连接方向");
+}
+
+TEST_F(TermListTest, FlipRewritesEachSelectedRowByItsFirstMatchingCharacter) {
+    auto& list = dlg->termList;
+    const std::vector<std::string> before = {"向上",     "     向下", "上下", "向左",
+                                             "    向右", "右左",      "斜"};
+    const std::vector<std::string> after = {kDown, kUp, kDown, kRight, kLeft, kRight, "斜"};
+    for (int i = 0; i < 7; ++i) {
+        list.SetText(i, kColDirection, before[i]);
+        list.SetSelected(i, true);
+    }
+    dlg->OnTermMenuCommand(kMenuFlip);
+    EXPECT_EQ(Directions(*dlg), after);
+}
+
+TEST_F(TermListTest, DoubleClickFlipsOnlyTheSelectedRows) {
+    dlg->termList.SetSelected(1, true);
+    dlg->termList.SetSelected(5, true);
+    dlg->OnTermListDoubleClick();
+    EXPECT_EQ(Directions(*dlg), (std::vector<std::string>{kUp, kDown, kUp, kUp, kUp, kDown, kUp}));
+    dlg->OnTermListDoubleClick();
+    EXPECT_EQ(Directions(*dlg), std::vector<std::string>(7, kUp));
+}
+
+TEST_F(TermListTest, SwitchingOrientationReappliesTheStoredPatternDiscardingFlips) {
+    dlg->OnTermMenuCommand(kMenuEvenFirst);
+    dlg->termList.SelectOnly(0);
+    dlg->OnTermListDoubleClick();
+    EXPECT_EQ(dlg->termList.Text(0, kColDirection), kDown);
+    dlg->OnVertical();
+    EXPECT_EQ(dlg->orientation, 1);
+    EXPECT_FALSE(dlg->horizontalChecked);
+    EXPECT_EQ(Directions(*dlg),
+              (std::vector<std::string>{kLeft, kRight, kLeft, kRight, kLeft, kRight, kLeft}));
+    dlg->OnHorizontal();
+    EXPECT_EQ(dlg->orientation, 0);
+    EXPECT_EQ(Directions(*dlg),
+              (std::vector<std::string>{kUp, kDown, kUp, kDown, kUp, kDown, kUp}));
+}
+
+TEST_F(TermListTest, EnterIsSwallowed) {
+    dlg->OnEnter();
+    EXPECT_TRUE(dlg->windowCreated);
+    EXPECT_TRUE(env.host.sentCommands.empty());
+    EXPECT_FALSE(dlg->drawPending);
+}
