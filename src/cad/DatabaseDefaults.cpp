@@ -110,7 +110,8 @@ TagList LayoutTags(const std::string& name, int tabOrder, Handle blockRecord) {
 }
 
 TagList VportTags() {
-    return {{100, "AcDbViewportTableRecord"},
+    return {{100, "AcDbSymbolTableRecord"},
+            {100, "AcDbViewportTableRecord"},
             {2, "*Active"},
             {70, "0"},
             {10, "0.0"},
@@ -149,7 +150,8 @@ TagList VportTags() {
 }
 
 TagList DimstyleTags() {
-    return {{100, "AcDbDimStyleTableRecord"},
+    return {{100, "AcDbSymbolTableRecord"},
+            {100, "AcDbDimStyleTableRecord"},
             {2, "Standard"},
             {70, "0"},
             {40, "1.0"},
@@ -164,6 +166,35 @@ TagList DimstyleTags() {
             {78, "8"},
             {271, "2"},
             {272, "2"}};
+}
+
+// Plot style names: a dictionary with the default entry "Normal", which readers expect.
+void AddPlotStyles(Database& db) {
+    auto placeholder = std::make_unique<UnknownObject>();
+    placeholder->typeName = "ACDBPLACEHOLDER";
+    auto styles = std::make_unique<UnknownObject>();
+    styles->typeName = "ACDBDICTIONARYWDFLT";
+    const Handle stylesHandle = AddObject(db, std::move(styles), db.NamedObjects());
+    const Handle normal = AddObject(db, std::move(placeholder), stylesHandle);
+    db.Get<UnknownObject>(stylesHandle)->tags = {{100, "AcDbDictionary"},
+                                                 {281, "1"},
+                                                 {3, "Normal"},
+                                                 {350, FormatHandle(normal)},
+                                                 {100, "AcDbDictionaryWithDefault"},
+                                                 {340, FormatHandle(normal)}};
+    db.GetDictionary(db.NamedObjects())->Set("ACAD_PLOTSTYLENAME", stylesHandle);
+    TagList& classes = db.MutableClasses();
+    for (const auto& [dxfName, cppName] :
+         {std::pair{"ACDBDICTIONARYWDFLT", "AcDbDictionaryWithDefault"},
+          std::pair{"ACDBPLACEHOLDER", "AcDbPlaceHolder"}, std::pair{"LAYOUT", "AcDbLayout"}}) {
+        classes.insert(classes.end(), {{0, "CLASS"},
+                                       {1, dxfName},
+                                       {2, cppName},
+                                       {3, "ObjectDBX Classes"},
+                                       {90, "0"},
+                                       {280, "0"},
+                                       {281, "0"}});
+    }
 }
 
 }  // namespace
@@ -193,11 +224,18 @@ void Database::CreateDefaults() {
 
     auto root = std::make_unique<Dictionary>();
     namedObjects_ = AddObject(*this, std::move(root), kNullHandle);
-    const Handle group = GetOrAddDictionary("ACAD_GROUP");
-    (void)group;
+    // The dictionaries readers expect in every drawing, most of them empty here.
+    GetOrAddDictionary("ACAD_COLOR");
+    GetOrAddDictionary("ACAD_GROUP");
     const Handle layouts = GetOrAddDictionary("ACAD_LAYOUT");
-    GetOrAddDictionary("ACAD_MLINESTYLE");
-    GetOrAddDictionary("ACAD_PLOTSTYLENAME");
+    for (const char* name :
+         {"ACAD_MATERIAL", "ACAD_MLEADERSTYLE", "ACAD_MLINESTYLE", "ACAD_PLOTSETTINGS"}) {
+        GetOrAddDictionary(name);
+    }
+    AddPlotStyles(*this);
+    for (const char* name : {"ACAD_SCALELIST", "ACAD_TABLESTYLE", "ACAD_VISUALSTYLE"}) {
+        GetOrAddDictionary(name);
+    }
     for (const auto& [name, space, order] :
          {std::tuple{"Model", modelSpace_, 0}, std::tuple{"Layout1", paperSpace_, 1}}) {
         auto layout = std::make_unique<UnknownObject>();

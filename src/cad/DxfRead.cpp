@@ -1,4 +1,14 @@
-#include "cad/Dxf.h"
+// Reading DXF: sections, tables, blocks and objects; the checks and repairs after reading.
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cmath>
+#include <cstring>
+
+#include "cad/DxfReader.h"
+#include "cad/Encoding.h"
+#include "cad/NumberText.h"
 
 namespace cad {
 
@@ -10,12 +20,378 @@ DxfError::DxfError(std::string file, long line, std::string problem, std::string
       problem_(std::move(problem)),
       text_(std::move(text)) {}
 
+namespace dxfread {
+
+Reader::Reader(std::string_view data, std::string fileName)
+    : tok_(data, std::move(fileName)), db_(std::make_unique<Database>(Database::BareTag{})) {
+    charset_ = "CP1252";
+}
+
+bool Reader::ReadRecord(Record& rec) {
+    RawTag t;
+    if (!tok_.Next(t)) {
+        return false;
+    }
+    if (t.code != 0) {
+        tok_.Fail(t.line, "group code 0 expected, found " + std::to_string(t.code), t.value);
+    }
+    rec.type = Trim(t.value);
+    rec.line = t.line;
+    rec.tags.clear();
+    while (tok_.Peek(t) && t.code != 0) {
+        tok_.Next(t);
+        rec.tags.push_back(t);
+    }
+    return true;
+}
+
+void Reader::ExpectRecord(Record& rec, const char* what) {
+    if (!ReadRecord(rec)) {
+        tok_.Fail(tok_.Line(), std::string("the file ends inside ") + what + " (truncated?)");
+    }
+}
+
+std::string Reader::Text(std::string_view raw) const {
+    if (utf8_ || IsAscii(raw)) {
+        if (raw.find("\\U+") == std::string_view::npos) {
+            return std::string(raw);
+        }
+        return ExpandUnicodeEscapes(raw);
+    }
+    return DecodeText(raw, charset_);
+}
+
+double Reader::Real(const RawTag& t) const {
+    double v = 0;
+    if (!ParseReal(t.value, v)) {
+        tok_.Fail(t.line + 1,
+                  "value of group code " + std::to_string(t.code) + " is not a valid number",
+                  t.value);
+    }
+    if (std::abs(v) > 1e100) {
+        tok_.Fail(t.line + 1, "value of group code " + std::to_string(t.code) + " is out of range",
+                  t.value);
+    }
+    return v;
+}
+
+long long Reader::Int(const RawTag& t) const {
+    long long v = 0;
+    if (ParseInt(t.value, v)) {
+        if (v < -(1LL << 40) || v > (1LL << 40)) {
+            tok_.Fail(t.line + 1,
+                      "value of group code " + std::to_string(t.code) + " is out of range",
+                      t.value);
+        }
+        return v;
+    }
+    double d = 0;
+    if (ParseReal(t.value, d) && d == std::floor(d) && std::abs(d) < 2147483648.0) {
+        return static_cast<long long>(d);
+    }
+    tok_.Fail(t.line + 1,
+              "value of group code " + std::to_string(t.code) + " is not a whole number", t.value);
+}
+
+Handle Reader::Hex(const RawTag& t) const {
+    Handle h = kNullHandle;
+    if (!ParseHandle(t.value, h)) {
+        tok_.Fail(t.line + 1, "value of group code " + std::to_string(t.code) + " is not a handle",
+                  t.value);
+    }
+    return h;
+}
+
+Tag Reader::Keep(const RawTag& t) const {
+    switch (TypeOfCode(t.code)) {
+        case TagType::String:
+            return {t.code, Text(t.value)};
+        case TagType::Real:
+            Real(t);
+            break;
+        case TagType::Int16:
+        case TagType::Int32:
+        case TagType::Int64:
+        case TagType::Bool:
+            Int(t);
+            break;
+        case TagType::Handle:
+            if (!Trim(t.value).empty()) {
+                Hex(t);
+            }
+            break;
+    }
+    return {t.code, std::string(Trim(t.value))};
+}
+
+void Reader::KeepAll(const std::vector<RawTag>& in, TagList& out) const {
+    out.reserve(out.size() + in.size());
+    for (const auto& t : in) {
+        out.push_back(Keep(t));
+    }
+}
+
+Point3d Reader::PointAt(const std::vector<RawTag>& tags, std::size_t& i) const {
+    Point3d p;
+    const int base = tags[i].code;
+    p.x = Real(tags[i]);
+    if (i + 1 < tags.size() && tags[i + 1].code == base + 10) {
+        p.y = Real(tags[++i]);
+        if (i + 1 < tags.size() && tags[i + 1].code == base + 20) {
+            p.z = Real(tags[++i]);
+        }
+    }
+    return p;
+}
+
+Handle Reader::Claim(Handle h, const Record& rec) {
+    if (h == kNullHandle || db_->Object(h) != nullptr || blockHandles_.count(h) != 0) {
+        const Handle fresh = db_->NewHandle();
+        Repair("line " + std::to_string(rec.line) + ": " + std::string(rec.type) +
+               (h == kNullHandle ? " had no handle" : " repeated handle " + FormatHandle(h)) +
+               "; given " + FormatHandle(fresh));
+        return fresh;
+    }
+    db_->ReserveHandle(h);
+    return h;
+}
+
+Parsed Reader::Parse(const Record& rec, bool splitXData) const {
+    Parsed p;
+    std::size_t i = 0;
+    const auto& tags = rec.tags;
+    for (; i < tags.size(); ++i) {
+        const RawTag& t = tags[i];
+        if ((t.code == 5 || t.code == 105) && p.handle == kNullHandle) {
+            p.handle = Hex(t);
+        } else if (t.code == 102 && Trim(t.value).size() > 1) {
+            while (i < tags.size()) {  // a 102 group up to its closing brace
+                p.preOwner.push_back(tags[i]);
+                if (tags[i].code == 102 && Trim(tags[i].value) == "}") {
+                    break;
+                }
+                ++i;
+            }
+        } else if (t.code == 330) {
+            p.hasOwner = true;
+            p.owner = Trim(t.value).empty() ? kNullHandle : Hex(t);
+            ++i;
+            break;
+        } else {
+            break;
+        }
+    }
+    p.segments.push_back({"", {}});
+    for (; i < tags.size(); ++i) {
+        const RawTag& t = tags[i];
+        if (t.code >= 1000 && splitXData) {
+            p.xdata.assign(tags.begin() + static_cast<long>(i), tags.end());
+            break;
+        }
+        p.body.push_back(t);
+        if (t.code == 100) {
+            std::string marker(Trim(t.value));
+            int seen = 0;
+            for (const auto& s : p.segments) {
+                seen += s.marker == marker || s.marker.rfind(marker + "#", 0) == 0 ? 1 : 0;
+            }
+            if (seen > 0) {
+                marker += "#" + std::to_string(seen + 1);
+            }
+            p.segments.push_back({std::move(marker), {}});
+        } else {
+            p.segments.back().tags.push_back(t);
+        }
+    }
+    return p;
+}
+
+// ---- sections
+
+std::unique_ptr<Database> Reader::Run() {
+    Record rec;
+    while (ReadRecord(rec)) {
+        if (rec.type == "EOF") {
+            sawEof_ = true;
+            break;
+        }
+        if (rec.type != "SECTION") {
+            tok_.Fail(rec.line, "SECTION expected", rec.type);
+        }
+        Section(rec);
+    }
+    if (!sawEof_) {
+        tok_.Fail(tok_.Line(), "the file ends without EOF (truncated?)");
+    }
+    Finish();
+    return std::move(db_);
+}
+
+void Reader::Section(const Record& head) {
+    if (head.tags.empty() || head.tags[0].code != 2) {
+        tok_.Fail(head.line, "a section without its name");
+    }
+    const std::string name(Trim(head.tags[0].value));
+    if (name == "HEADER") {
+        Header();
+    } else if (name == "CLASSES") {
+        RawSection(db_->MutableClasses(), "CLASSES", head.line);
+    } else if (name == "TABLES") {
+        Tables(head.line);
+    } else if (name == "BLOCKS") {
+        Blocks(head.line);
+    } else if (name == "ENTITIES") {
+        EntitiesSection(head.line);
+    } else if (name == "OBJECTS") {
+        Objects(head.line);
+    } else if (name == "THUMBNAILIMAGE") {
+        TagList tags;
+        RawSection(tags, "THUMBNAILIMAGE", head.line);
+        db_->SetThumbnail(std::move(tags));
+    } else {
+        TagList skipped;
+        RawSection(skipped, name.c_str(), head.line);
+        Repair("section " + name + " is not kept");
+    }
+}
+
+void Reader::RawSection(TagList& out, const char* name, long line) {
+    Record rec;
+    for (;;) {
+        if (!ReadRecord(rec)) {
+            tok_.Fail(line, std::string("section ") + name + " is not terminated by ENDSEC");
+        }
+        if (rec.type == "ENDSEC") {
+            return;
+        }
+        if (rec.type == "EOF" || rec.type == "SECTION") {
+            tok_.Fail(rec.line, std::string("section ") + name + " is not terminated by ENDSEC",
+                      rec.type);
+        }
+        out.push_back({0, Text(rec.type)});
+        KeepAll(rec.tags, out);
+    }
+}
+
+void Reader::Header() {
+    RawTag t;
+    auto& header = db_->MutableHeader();
+    for (;;) {
+        if (!tok_.Next(t)) {
+            tok_.Fail(tok_.Line(), "section HEADER is not terminated by ENDSEC");
+        }
+        if (t.code == 0) {
+            if (Trim(t.value) != "ENDSEC") {
+                tok_.Fail(t.line, "section HEADER is not terminated by ENDSEC", t.value);
+            }
+            break;
+        }
+        if (t.code == 9) {
+            header.push_back({std::string(Trim(t.value)), {}});
+        } else if (header.empty()) {
+            tok_.Fail(t.line, "a header value before any variable name", t.value);
+        } else {
+            header.back().values.push_back(Keep(t));
+        }
+    }
+    const std::string version = db_->HeaderString("$ACADVER");
+    if (!version.empty() && version < "AC1012") {
+        tok_.Fail(tok_.Line(),
+                  "DXF version " + version + " is too old: R13 (AC1012) or later is needed");
+    }
+    utf8_ = version >= "AC1021";
+    charset_ = utf8_ ? "UTF-8" : CodepageCharset(db_->HeaderString("$DWGCODEPAGE"));
+    Handle seed = kNullHandle;
+    if (ParseHandle(db_->HeaderString("$HANDSEED"), seed) && seed > 1 && seed < (Handle{1} << 48)) {
+        db_->ReserveHandle(seed - 1);
+    }
+}
+
+void Reader::Tables(long line) {
+    Record rec;
+    for (;;) {
+        ExpectRecord(rec, "section TABLES");
+        if (rec.type == "ENDSEC") {
+            return;
+        }
+        if (rec.type != "TABLE") {
+            tok_.Fail(rec.line, "TABLE expected in section TABLES", rec.type);
+        }
+        Table(rec);
+    }
+}
+
+void Reader::Table(const Record& head) {
+    auto table = std::make_unique<SymbolTable>();
+    Record rest = head;  // the name comes before the handle: set it apart
+    for (auto it = rest.tags.begin(); it != rest.tags.end(); ++it) {
+        if (it->code == 2) {
+            table->name = Text(Trim(it->value));
+            rest.tags.erase(it);
+            break;
+        }
+    }
+    Parsed p = Parse(rest, false);
+    table->handle = Claim(p.handle, head);
+    table->extra = std::make_unique<ExtraTags>();
+    for (auto& s : p.segments) {
+        for (const auto& t : s.tags) {
+            if (t.code == 2 || (t.code == 70 && s.marker == "AcDbSymbolTable")) {
+                continue;  // name and record count are the table's own
+            }
+            table->extra->Get(s.marker == "" ? "AcDbSymbolTable" : s.marker).push_back(Keep(t));
+        }
+    }
+    KeepAll(p.preOwner, table->extra->Get(""));
+    const Handle h = db_->Add(std::move(table));
+    db_->MutableTables().push_back(h);
+    Record rec;
+    for (;;) {
+        ExpectRecord(rec, "a table");
+        if (rec.type == "ENDTAB") {
+            return;
+        }
+        if (rec.type == "ENDSEC" || rec.type == "TABLE" || rec.type == "EOF") {
+            tok_.Fail(rec.line,
+                      "table " + db_->Get<SymbolTable>(h)->name + " is not terminated by ENDTAB",
+                      rec.type);
+        }
+        TableRecordOf(rec, *db_->Get<SymbolTable>(h));
+    }
+}
+
+}  // namespace dxfread
+
 std::unique_ptr<Database> ReadDxfString(std::string_view data, const std::string& name) {
-    throw DxfError(name, 0, "reading is not available yet");
+    return dxfread::Reader(data, name).Run();
 }
 
 std::unique_ptr<Database> ReadDxfFile(const std::string& path) {
-    throw DxfError(path, 0, "reading is not available yet");
+    // Read-only and unlocked: a drawing another program holds open can still be read.
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
+        throw DxfError(path, 0, std::string("cannot be opened: ") + std::strerror(errno));
+    }
+    struct stat st {};
+    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+        ::close(fd);
+        throw DxfError(path, 0, "is not a regular file");
+    }
+    std::string data(static_cast<std::size_t>(st.st_size), '\0');
+    std::size_t got = 0;
+    while (got < data.size()) {
+        const ssize_t n = ::read(fd, data.data() + got, data.size() - got);
+        if (n <= 0) {
+            break;
+        }
+        got += static_cast<std::size_t>(n);
+    }
+    ::close(fd);
+    data.resize(got);
+    if (data.empty()) {
+        throw DxfError(path, 0, "the file is empty");
+    }
+    return ReadDxfString(data, path);
 }
 
 std::unique_ptr<Database> TryReadDxfFile(const std::string& path, std::string& error) {

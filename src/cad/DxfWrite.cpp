@@ -1,4 +1,12 @@
-#include "cad/Dxf.h"
+// Writing a database as DXF: the sections, tables, blocks and objects.
+#include "cad/DxfWriter.h"
+
+#include <cmath>
+
+#include "cad/Audit.h"
+#include "cad/Encoding.h"
+#include "cad/NumberText.h"
+#include "host/TextFile.h"
 
 namespace cad {
 
@@ -30,16 +38,425 @@ DxfVersion VersionForSaveFormat(std::string_view f) {
     return DxfVersion::R2010;
 }
 
+namespace dxfwrite {
+
+Writer::Writer(const Database& db, DxfVersion version, TagSink& sink)
+    : db_(db), version_(version), sink_(sink) {
+    charset_ =
+        version >= DxfVersion::R2007 ? "UTF-8" : CodepageCharset(db.HeaderString("$DWGCODEPAGE"));
+}
+
+void Writer::Str(int code, std::string_view value) {
+    const bool plain = IsAscii(value) && value.find_first_of("\r\n") == std::string_view::npos;
+    if (plain) {
+        sink_.Put(code, value);
+        return;
+    }
+    std::string v = EncodeText(value, charset_);
+    for (char& c : v) {
+        if (c == '\r' || c == '\n') {
+            c = ' ';  // a line break inside a value would end it
+        }
+    }
+    sink_.Put(code, v);
+}
+
+void Writer::Raw(int code, std::string_view value) {
+    sink_.Put(code, value);
+}
+
+void Writer::Real(int code, double v) {
+    scratch_.clear();
+    AppendReal(scratch_, v);
+    sink_.Put(code, scratch_);
+}
+
+void Writer::Int(int code, long long v) {
+    sink_.Put(code, std::to_string(v));
+}
+
+void Writer::Hex(int code, Handle h) {
+    scratch_.clear();
+    AppendHandle(scratch_, h);
+    sink_.Put(code, scratch_);
+}
+
+void Writer::Point(int code, const Point3d& p) {
+    Real(code, p.x);
+    Real(code + 10, p.y);
+    Real(code + 20, p.z);
+}
+
+void Writer::Tags(const TagList& tags) {
+    for (const auto& t : tags) {
+        if (TypeOfCode(t.code) == TagType::String) {
+            Str(t.code, t.value);
+        } else {
+            Raw(t.code, t.value);
+        }
+    }
+}
+
+void Writer::Extra(const DbObject& o, const std::string& marker) {
+    if (o.extra) {
+        if (const TagList* tags = o.extra->Find(marker)) {
+            Tags(*tags);
+        }
+    }
+}
+
+void Writer::Head(const DbObject& o, const std::string& type, Handle owner, int handleCode) {
+    Str(0, type);
+    Hex(handleCode, o.handle);
+    Extra(o, "");
+    Hex(330, owner);
+}
+
+std::string Writer::NameOf(Handle record) const {
+    const auto* r = db_.Get<TableRecord>(record);
+    return r == nullptr ? std::string() : r->name;
+}
+
+// R14 holds at most 31 letters, digits and "$-_" in an application name.
+std::string Writer::AppName(Handle app) const {
+    std::string name = NameOf(app);
+    if (version_ != DxfVersion::R14) {
+        return name;
+    }
+    for (char& c : name) {
+        const bool ok = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
+                        (c >= '0' && c <= '9') || c == '$' || c == '-' || c == '_';
+        if (!ok) {
+            c = '_';
+        }
+    }
+    if (name.size() > 31) {
+        name.resize(31);
+    }
+    return name;
+}
+
+void Writer::Run() {
+    Header();
+    Classes();
+    Tables();
+    Blocks();
+    EntitiesSection();
+    Objects();
+    Thumbnail();
+    Raw(0, "EOF");
+}
+
+void Writer::Header() {
+    Raw(0, "SECTION");
+    Raw(2, "HEADER");
+    Raw(9, "$ACADVER");
+    Raw(1, AcadVer(version_));
+    bool seed = false;
+    for (const auto& var : db_.Header()) {
+        if (var.name == "$ACADVER" || (var.name == "$EXTNAMES" && !R2000Plus())) {
+            continue;
+        }
+        Str(9, var.name);
+        if (var.name == "$HANDSEED") {
+            Hex(5, db_.HandleSeed());
+            seed = true;
+            continue;
+        }
+        Tags(var.values);
+    }
+    if (!seed) {
+        Raw(9, "$HANDSEED");
+        Hex(5, db_.HandleSeed());
+    }
+    if (R2000Plus() && db_.FindHeader("$EXTNAMES") == nullptr) {
+        Raw(9, "$EXTNAMES");
+        Raw(290, "1");
+    }
+    Raw(0, "ENDSEC");
+}
+
+void Writer::Classes() {
+    Raw(0, "SECTION");
+    Raw(2, "CLASSES");
+    Tags(db_.Classes());
+    Raw(0, "ENDSEC");
+}
+
+void Writer::Tables() {
+    Raw(0, "SECTION");
+    Raw(2, "TABLES");
+    for (Handle h : db_.Tables()) {
+        if (const auto* t = db_.Get<SymbolTable>(h); t != nullptr && !t->erased) {
+            Table(*t);
+        }
+    }
+    Raw(0, "ENDSEC");
+}
+
+void Writer::Table(const SymbolTable& table) {
+    Raw(0, "TABLE");
+    Str(2, table.name);
+    Hex(5, table.handle);
+    Extra(table, "");
+    Hex(330, kNullHandle);
+    Raw(100, "AcDbSymbolTable");
+    int count = 0;
+    for (Handle h : table.records) {
+        const DbObject* r = db_.Object(h);
+        count += r != nullptr && !r->erased ? 1 : 0;
+    }
+    Int(70, count);
+    Extra(table, "AcDbSymbolTable");
+    for (Handle h : table.records) {
+        if (const DbObject* r = db_.Object(h); r != nullptr && !r->erased) {
+            Record(*r);
+        }
+    }
+    Raw(0, "ENDTAB");
+}
+
+void Writer::Record(const DbObject& record) {
+    if (const auto* other = dynamic_cast<const OtherRecord*>(&record)) {
+        Head(record, other->typeName, record.owner, other->typeName == "DIMSTYLE" ? 105 : 5);
+        Tags(other->tags);
+        return;
+    }
+    const auto& r = static_cast<const TableRecord&>(record);
+    Head(r, r.TypeName(), r.owner);
+    Raw(100, "AcDbSymbolTableRecord");
+    Extra(r, "AcDbSymbolTableRecord");
+    if (const auto* layer = dynamic_cast<const LayerRecord*>(&r)) {
+        Raw(100, "AcDbLayerTableRecord");
+        Str(2, r.name);
+        Int(70, r.flags);
+        Int(62, layer->color);
+        Str(6, layer->linetype != kNullHandle ? NameOf(layer->linetype) : "Continuous");
+        Extra(r, "AcDbLayerTableRecord");
+    } else if (const auto* style = dynamic_cast<const TextStyleRecord*>(&r)) {
+        Raw(100, "AcDbTextStyleTableRecord");
+        Str(2, r.name);
+        Int(70, r.flags);
+        Real(40, style->fixedHeight);
+        Real(41, style->widthFactor);
+        Real(50, style->oblique);
+        Int(71, style->generation);
+        Real(42, style->lastHeight);
+        Str(3, style->font);
+        Str(4, style->bigFont);
+        Extra(r, "AcDbTextStyleTableRecord");
+    } else if (const auto* ltype = dynamic_cast<const LinetypeRecord*>(&r)) {
+        Raw(100, "AcDbLinetypeTableRecord");
+        Str(2, r.name);
+        Int(70, r.flags);
+        Str(3, ltype->description);
+        Tags(ltype->pattern);
+        Extra(r, "AcDbLinetypeTableRecord");
+    } else if (dynamic_cast<const AppIdRecord*>(&r) != nullptr) {
+        Raw(100, "AcDbRegAppTableRecord");
+        Str(2, AppName(r.handle));
+        Int(70, r.flags);
+        Extra(r, "AcDbRegAppTableRecord");
+    } else if (const auto* block = dynamic_cast<const BlockRecord*>(&r)) {
+        Raw(100, "AcDbBlockTableRecord");
+        Str(2, r.name);
+        Hex(340, block->layout);
+        Extra(r, "AcDbBlockTableRecord");
+    }
+}
+
+void Writer::Blocks() {
+    Raw(0, "SECTION");
+    Raw(2, "BLOCKS");
+    const auto* table = db_.Get<SymbolTable>(db_.Table("BLOCK_RECORD"));
+    if (table != nullptr) {
+        for (Handle h : table->records) {
+            const auto* b = db_.Get<BlockRecord>(h);
+            if (b != nullptr && !b->erased) {
+                const bool inEntities = h == db_.ModelSpace() || h == db_.PaperSpace();
+                Block(*b, !inEntities);
+            }
+        }
+    }
+    Raw(0, "ENDSEC");
+}
+
+void Writer::Block(const BlockRecord& block, bool withEntities) {
+    bool hasAttdefs = false;
+    for (Handle h : block.entities) {
+        const auto* d = db_.Get<AttributeDefinition>(h);
+        hasAttdefs = hasAttdefs || (d != nullptr && !d->erased);
+    }
+    Raw(0, "BLOCK");
+    Hex(5, block.beginHandle);
+    if (const TagList* pre = block.beginExtra.Find("")) {
+        Tags(*pre);
+    }
+    Hex(330, block.handle);
+    Raw(100, "AcDbEntity");
+    if (block.handle == db_.PaperSpace()) {
+        Raw(67, "1");
+    }
+    Str(8, block.beginLayer != kNullHandle ? NameOf(block.beginLayer) : "0");
+    if (const TagList* t = block.beginExtra.Find("AcDbEntity")) {
+        Tags(*t);
+    }
+    Raw(100, "AcDbBlockBegin");
+    Str(2, block.name);
+    Int(70, hasAttdefs ? (block.flags | 2) : (block.flags & ~2));
+    Point(10, block.basePoint);
+    Str(3, block.name);
+    Str(1, block.description);
+    if (const TagList* t = block.beginExtra.Find("AcDbBlockBegin")) {
+        Tags(*t);
+    }
+    if (withEntities) {
+        for (Handle h : block.entities) {
+            const auto* e = db_.Get<cad::Entity>(h);
+            if (e != nullptr && !e->erased) {
+                Entity(*e);
+            }
+        }
+    }
+    Raw(0, "ENDBLK");
+    Hex(5, block.endHandle);
+    if (const TagList* pre = block.endExtra.Find("")) {
+        Tags(*pre);
+    }
+    Hex(330, block.handle);
+    Raw(100, "AcDbEntity");
+    if (block.handle == db_.PaperSpace()) {
+        Raw(67, "1");
+    }
+    Str(8, block.beginLayer != kNullHandle ? NameOf(block.beginLayer) : "0");
+    if (const TagList* t = block.endExtra.Find("AcDbEntity")) {
+        Tags(*t);
+    }
+    Raw(100, "AcDbBlockEnd");
+    if (const TagList* t = block.endExtra.Find("AcDbBlockEnd")) {
+        Tags(*t);
+    }
+}
+
+void Writer::EntitiesSection() {
+    Raw(0, "SECTION");
+    Raw(2, "ENTITIES");
+    for (Handle space : {db_.ModelSpace(), db_.PaperSpace()}) {
+        const auto* block = db_.Block(space);
+        if (block == nullptr) {
+            continue;
+        }
+        for (Handle h : block->entities) {
+            const auto* e = db_.Get<cad::Entity>(h);
+            if (e != nullptr && !e->erased) {
+                Entity(*e);
+            }
+        }
+    }
+    Raw(0, "ENDSEC");
+}
+
+void Writer::Objects() {
+    Raw(0, "SECTION");
+    Raw(2, "OBJECTS");
+    for (Handle h : db_.Objects()) {
+        if (const DbObject* o = db_.Object(h); o != nullptr && !o->erased) {
+            Object(*o);
+        }
+    }
+    Raw(0, "ENDSEC");
+}
+
+void Writer::Object(const DbObject& o) {
+    if (const auto* dict = dynamic_cast<const Dictionary*>(&o)) {
+        Head(o, "DICTIONARY", o.owner);
+        Raw(100, "AcDbDictionary");
+        if (dict->hardOwner) {
+            Raw(280, "1");
+        }
+        Int(281, dict->cloning);
+        for (const auto& [key, value] : dict->entries) {
+            const DbObject* target = db_.Object(value);
+            if (target == nullptr || target->erased) {
+                continue;
+            }
+            Str(3, key);
+            Hex(dict->hardOwner ? 360 : 350, value);
+        }
+        Extra(o, "AcDbDictionary");
+    } else if (const auto* x = dynamic_cast<const XRecord*>(&o)) {
+        Head(o, "XRECORD", o.owner);
+        Raw(100, "AcDbXrecord");
+        Int(280, x->cloning);
+        Tags(x->data);
+    } else if (const auto* u = dynamic_cast<const UnknownObject*>(&o)) {
+        Head(o, u->typeName, o.owner);
+        Tags(u->tags);
+    }
+}
+
+void Writer::Thumbnail() {
+    if (db_.Thumbnail().empty() || !R2000Plus()) {
+        return;
+    }
+    Raw(0, "SECTION");
+    Raw(2, "THUMBNAILIMAGE");
+    Tags(db_.Thumbnail());
+    Raw(0, "ENDSEC");
+}
+
+}  // namespace dxfwrite
+
+namespace {
+
+class TextSink : public TagSink {
+public:
+    explicit TextSink(std::string& out) : out_(out) {}
+    void Put(int code, std::string_view value) override {
+        if (code < 10) {
+            out_ += "  ";
+        } else if (code < 100) {
+            out_ += ' ';
+        }
+        out_ += std::to_string(code);
+        out_ += '\n';
+        out_ += value;
+        out_ += '\n';
+    }
+
+private:
+    std::string& out_;
+};
+
+}  // namespace
+
 void WriteDxf(const Database& db, DxfVersion version, TagSink& sink) {
-    throw DxfError("", 0, "writing is not available yet");
+    const auto issues = Audit(db);
+    if (!issues.empty()) {
+        throw DxfError("", 0, "the drawing fails its audit: " + FormatIssues(issues));
+    }
+    dxfwrite::Writer(db, version, sink).Run();
 }
 
 std::string WriteDxfString(const Database& db, DxfVersion version) {
-    throw DxfError("", 0, "writing is not available yet");
+    std::string out;
+    out.reserve(db.ObjectCount() * 160 + 4096);
+    TextSink sink(out);
+    WriteDxf(db, version, sink);
+    return out;
 }
 
 void WriteDxfFile(const Database& db, const std::string& path, DxfVersion version) {
-    throw DxfError(path, 0, "writing is not available yet");
+    std::string text;
+    try {
+        text = WriteDxfString(db, version);
+    } catch (const DxfError& e) {
+        throw DxfError(path, 0, e.Problem());
+    }
+    std::string error;
+    if (!textfile::WriteWhole(path, text, &error)) {
+        throw DxfError(path, 0, "cannot be written: " + error);
+    }
 }
 
 }  // namespace cad

@@ -63,6 +63,7 @@ public:
     QV_CAD_OBJECT(LwPolyline, LwPolyline, "LWPOLYLINE")
     std::vector<LwVertex> vertices;
     bool closed = false;
+    int flags = 0;  // the other bits of group 70 (128: continuous linetype pattern)
     double constantWidth = 0;
     double elevation = 0;
 };

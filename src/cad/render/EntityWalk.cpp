@@ -61,7 +61,8 @@ private:
 
     void One(const Entity& e, const Context& ctx);
     void Reference(const BlockReference& ref, int colour, Handle layer, const Context& ctx);
-    void DrawText(const Text& text, Rgb colour, const Matrix3d& m);
+    // `shown` replaces the text's own string (an attribute definition shows its tag).
+    void DrawText(const Text& text, const std::string& shown, Rgb colour, const Matrix3d& m);
     void DrawMText(const MText& text, Rgb colour, const Matrix3d& m);
     void DrawPolyline(const LwPolyline& pl, Rgb colour, const Matrix3d& m);
 
@@ -127,16 +128,21 @@ void Walker::One(const Entity& e, const Context& ctx) {
         case ObjectKind::Point:
             canvas_.Dot(At(m, static_cast<const PointEntity&>(e).position), colour);
             break;
-        case ObjectKind::AttributeDefinition:
+        case ObjectKind::AttributeDefinition: {
             if (ctx.insideReference) {
                 ++counts.skipped;
                 return;
             }
-            [[fallthrough]];
-        case ObjectKind::Attribute:
-        case ObjectKind::Text:
-            DrawText(static_cast<const Text&>(e), colour, m);
+            const auto& def = static_cast<const AttributeDefinition&>(e);
+            DrawText(def, def.tag, colour, m);
             break;
+        }
+        case ObjectKind::Attribute:
+        case ObjectKind::Text: {
+            const auto& text = static_cast<const Text&>(e);
+            DrawText(text, text.text, colour, m);
+            break;
+        }
         case ObjectKind::MText:
             DrawMText(static_cast<const MText&>(e), colour, m);
             break;
@@ -184,12 +190,13 @@ void Walker::DrawPolyline(const LwPolyline& pl, Rgb colour, const Matrix3d& m) {
     canvas_.Polyline(vertices, pl.closed, colour);
 }
 
-void Walker::DrawText(const Text& text, Rgb colour, const Matrix3d& m) {
-    if (text.text.empty()) {
+void Walker::DrawText(const Text& text, const std::string& shown, Rgb colour,
+                      const Matrix3d& m) {
+    if (shown.empty()) {
         return;
     }
     TextLine line;
-    line.text = text.text;
+    line.text = shown;
     line.height = text.height * ScaleAlong(m, text.rotation + std::numbers::pi / 2);
     line.widthFactor = text.widthFactor * ScaleAlong(m, text.rotation) /
                        std::max(1e-12, ScaleAlong(m, text.rotation + std::numbers::pi / 2));

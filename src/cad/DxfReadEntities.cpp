@@ -1,0 +1,547 @@
+// Reading entities: the common part, the modelled entities' fields, unmodelled entities as
+// they are, extended data; and the completion of the database after the last section.
+#include <algorithm>
+#include <cmath>
+#include <numbers>
+
+#include "cad/DxfReader.h"
+#include "cad/NumberText.h"
+
+namespace cad::dxfread {
+
+namespace {
+
+constexpr double kRadians = std::numbers::pi / 180.0;
+
+std::unique_ptr<Entity> NewEntity(std::string_view type) {
+    if (type == "LINE")
+        return std::make_unique<Line>();
+    if (type == "LWPOLYLINE")
+        return std::make_unique<LwPolyline>();
+    if (type == "CIRCLE")
+        return std::make_unique<Circle>();
+    if (type == "ARC")
+        return std::make_unique<Arc>();
+    if (type == "POINT")
+        return std::make_unique<PointEntity>();
+    if (type == "TEXT")
+        return std::make_unique<Text>();
+    if (type == "ATTDEF")
+        return std::make_unique<AttributeDefinition>();
+    if (type == "ATTRIB")
+        return std::make_unique<Attribute>();
+    if (type == "MTEXT")
+        return std::make_unique<MText>();
+    if (type == "INSERT")
+        return std::make_unique<BlockReference>();
+    if (type == "SEQEND")
+        return std::make_unique<Seqend>();
+    return nullptr;
+}
+
+bool In(const std::string& marker, const char* a, const char* b = nullptr) {
+    return marker.empty() || marker == a || (b != nullptr && marker == b);
+}
+
+}  // namespace
+
+void Reader::EntitiesSection(long line) {
+    Record rec;
+    for (;;) {
+        if (!ReadRecord(rec)) {
+            tok_.Fail(line, "section ENTITIES is not terminated by ENDSEC");
+        }
+        if (rec.type == "ENDSEC") {
+            openParent_ = kNullHandle;
+            return;
+        }
+        if (rec.type == "EOF" || rec.type == "SECTION") {
+            tok_.Fail(rec.line, "section ENTITIES is not terminated by ENDSEC", rec.type);
+        }
+        EntityRecord(rec, kNullHandle);
+    }
+}
+
+Handle Reader::LayerNamed(const std::string& name) {
+    auto it = layerCache_.find(name);
+    if (it != layerCache_.end()) {
+        return it->second;
+    }
+    Handle h = db_->FindLayer(name);
+    if (h == kNullHandle) {
+        h = db_->AddLayer(name.empty() ? "0" : name);
+        Repair("layer " + name + " was used but not defined; it was added");
+    }
+    layerCache_.emplace(name, h);
+    return h;
+}
+
+Handle Reader::StyleNamed(const std::string& name) {
+    auto it = styleCache_.find(name);
+    if (it != styleCache_.end()) {
+        return it->second;
+    }
+    Handle h = db_->FindTextStyle(name);
+    if (h == kNullHandle) {
+        h = db_->AddTextStyle(name.empty() ? "Standard" : name);
+        Repair("text style " + name + " was used but not defined; it was added");
+    }
+    styleCache_.emplace(name, h);
+    return h;
+}
+
+void Reader::EntityRecord(const Record& rec, Handle space) {
+    Parsed p = Parse(rec);
+    std::unique_ptr<Entity> e = BuildEntity(rec, p);
+    e->handle = Claim(p.handle, rec);
+    e->owner = p.owner;
+    if (e->Kind() == ObjectKind::BlockReference && !pendingBlocks_.empty() &&
+        pendingBlocks_.back().first == kNullHandle) {
+        pendingBlocks_.back().first = e->handle;
+    }
+    if (!p.xdata.empty()) {
+        ReadXData(*e, p.xdata);
+    }
+    if (space == kNullHandle) {
+        bool paper = false;
+        for (const auto& s : p.segments) {
+            for (const auto& t : s.tags) {
+                paper = paper || (t.code == 67 && Trim(t.value) == "1");
+            }
+        }
+        const auto* block = db_->Block(p.owner);
+        space = block != nullptr ? p.owner
+                : paper          ? db_->FindBlock("*Paper_Space")
+                                 : db_->FindBlock("*Model_Space");
+    }
+    Place(std::move(e), space, rec);
+}
+
+// Adds the entity to its space, or to the entity whose followers it is.
+void Reader::Place(std::unique_ptr<Entity> e, Handle space, const Record& rec) {
+    const ObjectKind kind = e->Kind();
+    const bool follower = kind == ObjectKind::Attribute || kind == ObjectKind::Seqend ||
+                          (kind == ObjectKind::UnknownEntity && rec.type == "VERTEX");
+    if (openParent_ != kNullHandle && follower) {
+        e->owner = openParent_;
+        auto* ref = db_->Get<BlockReference>(openParent_);
+        if (ref != nullptr && kind != ObjectKind::Attribute && kind != ObjectKind::Seqend) {
+            Repair("line " + std::to_string(rec.line) +
+                   ": a VERTEX under a block reference was dropped");
+            return;
+        }
+        const Handle h = db_->Add(std::move(e));
+        if (ref != nullptr) {
+            if (kind == ObjectKind::Seqend) {
+                ref->seqend = h;
+            } else {
+                ref->attributes.push_back(h);
+            }
+        } else if (auto* owner = db_->Get<UnknownEntity>(openParent_)) {
+            owner->followers.push_back(h);
+        }
+        if (kind == ObjectKind::Seqend) {
+            openParent_ = kNullHandle;
+        }
+        return;
+    }
+    if (openParent_ != kNullHandle) {
+        Repair("line " + std::to_string(openParentLine_) +
+               ": an entity's attribute or vertex list has no SEQEND");
+        if (auto* ref = db_->Get<BlockReference>(openParent_);
+            ref != nullptr && ref->seqend == kNullHandle) {
+            auto end = std::make_unique<Seqend>();
+            end->owner = openParent_;
+            end->layer = ref->layer;
+            ref->seqend = db_->Add(std::move(end));
+        }
+        openParent_ = kNullHandle;
+    }
+    if (kind == ObjectKind::Seqend || kind == ObjectKind::Attribute) {
+        Repair("line " + std::to_string(rec.line) + ": " + std::string(rec.type) +
+               " outside any block reference was dropped");
+        return;
+    }
+    BlockRecord* block = db_->Block(space);
+    if (block == nullptr) {
+        space =
+            db_->ModelSpace() != kNullHandle ? db_->ModelSpace() : db_->FindBlock("*Model_Space");
+        if (space == kNullHandle) {
+            space = db_->DefineBlock("*Model_Space");
+        }
+        block = db_->Block(space);
+    }
+    e->owner = space;
+    bool opens = false;
+    if (auto* u = dynamic_cast<UnknownEntity*>(e.get())) {
+        for (const auto& t : u->tags) {
+            opens = opens || (t.code == 66 && Trim(t.value) == "1");
+        }
+        opens = opens || u->typeName == "POLYLINE";
+    }
+    opens = opens || (kind == ObjectKind::BlockReference && rec.tags.size() > 0 &&
+                      std::any_of(rec.tags.begin(), rec.tags.end(), [](const RawTag& t) {
+                          return t.code == 66 && Trim(t.value) == "1";
+                      }));
+    const Handle h = db_->Add(std::move(e));
+    block->entities.push_back(h);
+    if (opens) {
+        openParent_ = h;
+        openParentLine_ = rec.line;
+    }
+}
+
+std::unique_ptr<Entity> Reader::BuildEntity(const Record& rec, Parsed& p) {
+    std::unique_ptr<Entity> e = NewEntity(rec.type);
+    if (!e) {
+        auto u = std::make_unique<UnknownEntity>();
+        u->typeName = std::string(rec.type);
+        KeepAll(p.body, u->tags);
+        if (!p.preOwner.empty()) {
+            u->extra = std::make_unique<ExtraTags>();
+            KeepAll(p.preOwner, u->extra->Get(""));
+        }
+        return u;
+    }
+    if (!p.preOwner.empty()) {
+        e->extra = std::make_unique<ExtraTags>();
+        KeepAll(p.preOwner, e->extra->Get(""));
+    }
+    std::vector<LwVertex> vertices;
+    std::string mtext;
+    for (const auto& s : p.segments) {
+        for (std::size_t i = 0; i < s.tags.size(); ++i) {
+            const RawTag& t = s.tags[i];
+            if ((s.marker.empty() || s.marker == "AcDbEntity") && TakeCommon(*e, t)) {
+                continue;
+            }
+            if (t.code >= 10 && t.code <= 18 && e->Kind() != ObjectKind::LwPolyline) {
+                const std::size_t start = i;
+                const Point3d pt = PointAt(s.tags, i);
+                if (!TakeSpecific(*e, s.marker, {t.code, {}, 0}, nullptr)) {
+                    for (std::size_t k = start; k <= i; ++k) {
+                        if (!e->extra)
+                            e->extra = std::make_unique<ExtraTags>();
+                        e->extra->Get(s.marker).push_back(Keep(s.tags[k]));
+                    }
+                    continue;
+                }
+                // The point goes to the field the code names.
+                auto set = [&](Point3d& target) { target = pt; };
+                switch (e->Kind()) {
+                    case ObjectKind::Line:
+                        set(t.code == 10 ? static_cast<Line&>(*e).start
+                                         : static_cast<Line&>(*e).end);
+                        break;
+                    case ObjectKind::Circle:
+                        set(static_cast<Circle&>(*e).center);
+                        break;
+                    case ObjectKind::Arc:
+                        set(static_cast<Arc&>(*e).center);
+                        break;
+                    case ObjectKind::Point:
+                        set(static_cast<PointEntity&>(*e).position);
+                        break;
+                    case ObjectKind::Text:
+                    case ObjectKind::Attribute:
+                    case ObjectKind::AttributeDefinition:
+                        set(t.code == 10 ? static_cast<cad::Text&>(*e).position
+                                         : static_cast<cad::Text&>(*e).alignment);
+                        break;
+                    case ObjectKind::MText:
+                        if (t.code == 10) {
+                            set(static_cast<MText&>(*e).position);
+                        } else {
+                            static_cast<MText&>(*e).rotation = std::atan2(pt.y, pt.x);
+                        }
+                        break;
+                    case ObjectKind::BlockReference:
+                        set(static_cast<BlockReference&>(*e).position);
+                        break;
+                    default:
+                        break;
+                }
+                continue;
+            }
+            if (e->Kind() == ObjectKind::MText && (t.code == 1 || t.code == 3) &&
+                In(s.marker, "AcDbMText")) {
+                mtext.append(t.value);  // pieces are joined before decoding
+                continue;
+            }
+            if (!TakeSpecific(*e, s.marker, t, &vertices)) {
+                if (!e->extra)
+                    e->extra = std::make_unique<ExtraTags>();
+                e->extra->Get(s.marker).push_back(Keep(t));
+            }
+        }
+    }
+    if (auto* pl = dynamic_cast<LwPolyline*>(e.get())) {
+        pl->vertices = std::move(vertices);
+    } else if (auto* m = dynamic_cast<MText*>(e.get())) {
+        m->contents = Text(mtext);
+    } else if (auto* t = dynamic_cast<cad::Text*>(e.get())) {
+        bool hasAlignment = false;
+        for (const auto& s : p.segments) {
+            for (const auto& tag : s.tags) {
+                hasAlignment = hasAlignment || tag.code == 11;
+            }
+        }
+        if (!hasAlignment) {
+            t->alignment = t->position;
+        }
+    }
+    return e;
+}
+
+bool Reader::TakeCommon(Entity& e, const RawTag& t) {
+    switch (t.code) {
+        case 8:
+            e.layer = LayerNamed(Text(Trim(t.value)));
+            return true;
+        case 62:
+            e.color = static_cast<std::int16_t>(Int(t));
+            return true;
+        case 60:
+            e.visible = Int(t) == 0;
+            return true;
+        case 67:
+            return true;  // the space follows from the owner
+        default:
+            return false;
+    }
+}
+
+// Takes one tag into the field of the entity it names (for points: only says whether the
+// code is a point of this entity). False leaves it to the extra tags.
+bool Reader::TakeSpecific(Entity& e, const std::string& m, const RawTag& t,
+                          std::vector<LwVertex>* vertices) {
+    const bool point = t.value.data() == nullptr;
+    switch (e.Kind()) {
+        case ObjectKind::Line:
+            return In(m, "AcDbLine") && (t.code == 10 || t.code == 11);
+        case ObjectKind::Point:
+            return In(m, "AcDbPoint") && t.code == 10;
+        case ObjectKind::Circle:
+        case ObjectKind::Arc: {
+            if (In(m, "AcDbCircle") && t.code == 10)
+                return true;
+            if (point)
+                return false;
+            if (In(m, "AcDbCircle") && t.code == 40) {
+                (e.Kind() == ObjectKind::Circle ? static_cast<Circle&>(e).radius
+                                                : static_cast<Arc&>(e).radius) = Real(t);
+                return true;
+            }
+            if (e.Kind() == ObjectKind::Arc && In(m, "AcDbArc") && (t.code == 50 || t.code == 51)) {
+                (t.code == 50 ? static_cast<Arc&>(e).startAngle : static_cast<Arc&>(e).endAngle) =
+                    Real(t) * kRadians;
+                return true;
+            }
+            return false;
+        }
+        case ObjectKind::LwPolyline: {
+            auto& pl = static_cast<LwPolyline&>(e);
+            if (!In(m, "AcDbPolyline"))
+                return false;
+            switch (t.code) {
+                case 90:
+                    return true;  // the count follows from the vertices
+                case 91:
+                    return true;  // vertex identifiers are not kept
+                case 70: {
+                    const int flags = static_cast<int>(Int(t));
+                    pl.closed = (flags & 1) != 0;
+                    pl.flags = flags & ~1;
+                    return true;
+                }
+                case 43:
+                    pl.constantWidth = Real(t);
+                    return true;
+                case 38:
+                    pl.elevation = Real(t);
+                    return true;
+                case 10:
+                    vertices->push_back({Real(t), 0});
+                    return true;
+                case 20:
+                case 40:
+                case 41:
+                case 42: {
+                    if (vertices->empty())
+                        return false;
+                    LwVertex& v = vertices->back();
+                    (t.code == 20   ? v.y
+                     : t.code == 40 ? v.startWidth
+                     : t.code == 41 ? v.endWidth
+                                    : v.bulge) = Real(t);
+                    return true;
+                }
+                default:
+                    return false;
+            }
+        }
+        case ObjectKind::Text:
+        case ObjectKind::Attribute:
+        case ObjectKind::AttributeDefinition: {
+            auto& x = static_cast<cad::Text&>(e);
+            if (In(m, "AcDbText")) {
+                if (t.code == 10 || t.code == 11)
+                    return true;
+                if (point)
+                    return false;
+                switch (t.code) {
+                    case 40:
+                        x.height = Real(t);
+                        return true;
+                    case 1:
+                        x.text = Text(t.value);
+                        return true;
+                    case 50:
+                        x.rotation = Real(t) * kRadians;
+                        return true;
+                    case 41:
+                        x.widthFactor = Real(t);
+                        return true;
+                    case 51:
+                        x.oblique = Real(t) * kRadians;
+                        return true;
+                    case 7:
+                        x.style = StyleNamed(Text(Trim(t.value)));
+                        return true;
+                    case 72: {
+                        const long long h = Int(t);
+                        x.horizontal = static_cast<TextHorz>(h >= 0 && h <= 5 ? h : 0);
+                        return true;
+                    }
+                    default:
+                        break;
+                }
+            }
+            if (point)
+                return false;
+            if (t.code == 73 && e.Kind() == ObjectKind::Text &&
+                (In(m, "AcDbText#2") || m == "AcDbText")) {
+                const long long v = Int(t);
+                x.vertical = static_cast<TextVert>(v >= 0 && v <= 3 ? v : 0);
+                return true;
+            }
+            if (e.Kind() == ObjectKind::Text)
+                return false;
+            const bool own = m == "AcDbAttribute" || m == "AcDbAttributeDefinition";
+            if (!own)
+                return false;
+            switch (t.code) {
+                case 74: {
+                    const long long v = Int(t);
+                    x.vertical = static_cast<TextVert>(v >= 0 && v <= 3 ? v : 0);
+                    return true;
+                }
+                case 2:
+                    (e.Kind() == ObjectKind::Attribute ? static_cast<Attribute&>(e).tag
+                                                       : static_cast<AttributeDefinition&>(e).tag) =
+                        Text(t.value);
+                    return true;
+                case 70:
+                    (e.Kind() == ObjectKind::Attribute
+                         ? static_cast<Attribute&>(e).flags
+                         : static_cast<AttributeDefinition&>(e).flags) = static_cast<int>(Int(t));
+                    return true;
+                case 3:
+                    if (e.Kind() != ObjectKind::AttributeDefinition)
+                        return false;
+                    static_cast<AttributeDefinition&>(e).prompt = Text(t.value);
+                    return true;
+                default:
+                    return false;
+            }
+        }
+        case ObjectKind::MText: {
+            auto& x = static_cast<MText&>(e);
+            if (!In(m, "AcDbMText"))
+                return false;
+            if (t.code == 10 || t.code == 11)
+                return true;
+            if (point)
+                return false;
+            switch (t.code) {
+                case 40:
+                    x.height = Real(t);
+                    return true;
+                case 41:
+                    x.referenceWidth = Real(t);
+                    return true;
+                case 71: {
+                    const long long a = Int(t);
+                    x.attachment = a >= 1 && a <= 9 ? static_cast<int>(a) : 1;
+                    return true;
+                }
+                case 72:
+                    return true;  // written again as left to right
+                case 7:
+                    x.style = StyleNamed(Text(Trim(t.value)));
+                    return true;
+                case 50:
+                    x.rotation = Real(t) * kRadians;
+                    return true;
+                default:
+                    return false;
+            }
+        }
+        case ObjectKind::BlockReference: {
+            auto& r = static_cast<BlockReference&>(e);
+            if (!In(m, "AcDbBlockReference"))
+                return false;
+            if (t.code == 10)
+                return true;
+            if (point)
+                return false;
+            switch (t.code) {
+                case 66:
+                    return true;
+                case 2:
+                    pendingBlocks_.emplace_back(0, Text(Trim(t.value)));
+                    return true;
+                case 41:
+                    r.scale.x = Real(t);
+                    return true;
+                case 42:
+                    r.scale.y = Real(t);
+                    return true;
+                case 43:
+                    r.scale.z = Real(t);
+                    return true;
+                case 50:
+                    r.rotation = Real(t) * kRadians;
+                    return true;
+                default:
+                    return false;
+            }
+        }
+        default:
+            return false;
+    }
+}
+
+void Reader::ReadXData(Entity& e, const std::vector<RawTag>& tags) {
+    for (const auto& t : tags) {
+        if (t.code == 1001) {
+            const std::string name = Text(Trim(t.value));
+            Handle app = db_->FindApp(name);
+            if (app == kNullHandle) {
+                app = db_->RegisterApp(name);
+                Repair("application " + name + " was used but not registered; it was added");
+            }
+            e.xdata.push_back({app, {}});
+        } else if (t.code < 1000) {
+            tok_.Fail(t.line, "group code " + std::to_string(t.code) +
+                                  " after the extended data of " + e.TypeName());
+        } else if (e.xdata.empty()) {
+            tok_.Fail(t.line, "extended data without its application name (1001)");
+        } else {
+            Tag kept = Keep(t);
+            e.xdata.back().items.push_back({kept.code, std::move(kept.value)});
+        }
+    }
+}
+
+}  // namespace cad::dxfread

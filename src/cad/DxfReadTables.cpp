@@ -1,0 +1,357 @@
+// Reading table records, blocks and objects, and completing the database afterwards.
+#include <functional>
+
+#include "cad/DxfReader.h"
+#include "cad/NumberText.h"
+
+namespace cad::dxfread {
+
+namespace {
+
+// Fills the fields a record class models; false for a tag it leaves to its extra tags.
+bool TakeRecordField(TableRecord& r, const RawTag& t,
+                     const std::function<std::string(std::string_view)>& text,
+                     const std::function<double(const RawTag&)>& real,
+                     const std::function<long long(const RawTag&)>& integer) {
+    if (t.code == 2) {
+        r.name = text(Trim(t.value));
+        return true;
+    }
+    if (t.code == 70) {
+        r.flags = static_cast<int>(integer(t));
+        return true;
+    }
+    if (auto* style = dynamic_cast<TextStyleRecord*>(&r)) {
+        switch (t.code) {
+            case 40:
+                style->fixedHeight = real(t);
+                return true;
+            case 41:
+                style->widthFactor = real(t);
+                return true;
+            case 50:
+                style->oblique = real(t);
+                return true;
+            case 71:
+                style->generation = static_cast<int>(integer(t));
+                return true;
+            case 42:
+                style->lastHeight = real(t);
+                return true;
+            case 3:
+                style->font = text(t.value);
+                return true;
+            case 4:
+                style->bigFont = text(t.value);
+                return true;
+            default:
+                return false;
+        }
+    }
+    if (auto* layer = dynamic_cast<LayerRecord*>(&r)) {
+        if (t.code == 62) {
+            layer->color = static_cast<int>(integer(t));
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
+void Reader::TableRecordOf(const Record& rec, SymbolTable& table) {
+    Parsed p = Parse(rec, false);
+    std::unique_ptr<TableRecord> record;
+    const std::string type(rec.type);
+    if (type == "LAYER") {
+        record = std::make_unique<LayerRecord>();
+    } else if (type == "STYLE") {
+        record = std::make_unique<TextStyleRecord>();
+    } else if (type == "LTYPE") {
+        record = std::make_unique<LinetypeRecord>();
+    } else if (type == "APPID") {
+        record = std::make_unique<AppIdRecord>();
+    } else if (type == "BLOCK_RECORD") {
+        record = std::make_unique<BlockRecord>();
+    } else {
+        auto other = std::make_unique<OtherRecord>();
+        other->typeName = type;
+        KeepAll(p.body, other->tags);
+        for (const auto& t : other->tags) {
+            if (t.code == 2) {
+                other->name = t.value;
+                break;
+            }
+        }
+        record = std::move(other);
+    }
+    record->handle = Claim(p.handle, rec);
+    record->owner = table.handle;
+    if (!p.preOwner.empty()) {
+        record->extra = std::make_unique<ExtraTags>();
+        KeepAll(p.preOwner, record->extra->Get(""));
+    }
+    if (record->Kind() != ObjectKind::OtherRecord) {
+        auto text = [this](std::string_view v) { return Text(v); };
+        auto real = [this](const RawTag& t) { return Real(t); };
+        auto integer = [this](const RawTag& t) { return Int(t); };
+        std::string linetypeName;
+        for (const auto& s : p.segments) {
+            if (s.marker == "AcDbSymbolTableRecord" && s.tags.empty()) {
+                continue;
+            }
+            for (const auto& t : s.tags) {
+                if (TakeRecordField(*record, t, text, real, integer)) {
+                    continue;
+                }
+                if (t.code == 6 && type == "LAYER") {
+                    linetypeName = Text(t.value);
+                } else if (t.code == 3 && type == "LTYPE") {
+                    static_cast<LinetypeRecord&>(*record).description = Text(t.value);
+                } else if (type == "LTYPE" && s.marker != "AcDbSymbolTableRecord") {
+                    static_cast<LinetypeRecord&>(*record).pattern.push_back(Keep(t));
+                } else if (t.code == 340 && type == "BLOCK_RECORD") {
+                    static_cast<BlockRecord&>(*record).layout = Hex(t);
+                } else {
+                    if (!record->extra) {
+                        record->extra = std::make_unique<ExtraTags>();
+                    }
+                    record->extra->Get(s.marker.empty() ? "AcDbSymbolTableRecord" : s.marker)
+                        .push_back(Keep(t));
+                }
+            }
+        }
+        if (auto* layer = dynamic_cast<LayerRecord*>(record.get())) {
+            layer->linetype = db_->FindLinetype(linetypeName.empty() ? "Continuous" : linetypeName);
+            if (layer->linetype == kNullHandle && !linetypeName.empty()) {
+                Repair("layer " + layer->name + " used the undefined line type " + linetypeName);
+            }
+        }
+    }
+    const Handle h = db_->Add(std::move(record));
+    table.records.push_back(h);
+}
+
+// ---- blocks
+
+void Reader::Blocks(long line) {
+    Record rec;
+    for (;;) {
+        ExpectRecord(rec, "section BLOCKS");
+        if (rec.type == "ENDSEC") {
+            return;
+        }
+        if (rec.type != "BLOCK") {
+            tok_.Fail(rec.line, "BLOCK expected in section BLOCKS", rec.type);
+        }
+        Block(rec, line);
+    }
+}
+
+void Reader::Block(const Record& head, long sectionLine) {
+    Parsed p = Parse(head, false);
+    std::string name;
+    for (const auto& t : p.body) {
+        if (t.code == 2) {
+            name = Text(Trim(t.value));
+            break;
+        }
+    }
+    Handle recordHandle = db_->FindBlock(name);
+    if (recordHandle == kNullHandle) {
+        recordHandle = db_->DefineBlock(name);
+        Repair("block " + name + " had no block record");
+    }
+    BlockRecord& block = *db_->Block(recordHandle);
+    block.beginHandle = p.handle;
+    if (p.handle == kNullHandle || db_->Object(p.handle) != nullptr ||
+        !blockHandles_.insert(p.handle).second) {
+        block.beginHandle = db_->NewHandle();
+        blockHandles_.insert(block.beginHandle);
+    }
+    db_->ReserveHandle(block.beginHandle);
+    KeepAll(p.preOwner, block.beginExtra.Get(""));
+    for (const auto& s : p.segments) {
+        for (std::size_t i = 0; i < s.tags.size(); ++i) {
+            const RawTag& t = s.tags[i];
+            if (t.code == 8) {
+                block.beginLayer = LayerNamed(Text(Trim(t.value)));
+            } else if (t.code == 2 || t.code == 3 || t.code == 67) {
+            } else if (t.code == 70) {
+                block.flags = static_cast<int>(Int(t));
+            } else if (t.code == 10) {
+                block.basePoint = PointAt(s.tags, i);
+            } else if (t.code == 4) {
+                block.description = Text(t.value);
+            } else if (t.code == 1 && Trim(t.value).empty()) {
+            } else {
+                block.beginExtra.Get(s.marker.empty() ? "AcDbEntity" : s.marker).push_back(Keep(t));
+            }
+        }
+    }
+    Record rec;
+    for (;;) {
+        if (!ReadRecord(rec)) {
+            tok_.Fail(head.line, "block " + name + " is not terminated by ENDBLK");
+        }
+        if (rec.type == "ENDBLK") {
+            break;
+        }
+        if (rec.type == "ENDSEC" || rec.type == "BLOCK" || rec.type == "EOF") {
+            tok_.Fail(rec.line, "block " + name + " is not terminated by ENDBLK", rec.type);
+        }
+        EntityRecord(rec, recordHandle);
+    }
+    openParent_ = kNullHandle;
+    Parsed end = Parse(rec, false);
+    BlockRecord& b = *db_->Block(recordHandle);
+    b.endHandle = end.handle;
+    if (end.handle == kNullHandle || db_->Object(end.handle) != nullptr ||
+        !blockHandles_.insert(end.handle).second) {
+        b.endHandle = db_->NewHandle();
+        blockHandles_.insert(b.endHandle);
+    }
+    db_->ReserveHandle(b.endHandle);
+    KeepAll(end.preOwner, b.endExtra.Get(""));
+    for (const auto& s : end.segments) {
+        for (const auto& t : s.tags) {
+            if (t.code != 8 && t.code != 67) {
+                b.endExtra.Get(s.marker.empty() ? "AcDbEntity" : s.marker).push_back(Keep(t));
+            }
+        }
+    }
+}
+
+// ---- objects
+
+void Reader::Objects(long line) {
+    Record rec;
+    for (;;) {
+        ExpectRecord(rec, "section OBJECTS");
+        if (rec.type == "ENDSEC") {
+            return;
+        }
+        if (rec.type == "EOF" || rec.type == "SECTION") {
+            tok_.Fail(rec.line, "section OBJECTS is not terminated by ENDSEC", rec.type);
+        }
+        Parsed p = Parse(rec, false);
+        std::unique_ptr<DbObject> object;
+        if (rec.type == "DICTIONARY") {
+            auto dict = std::make_unique<Dictionary>();
+            std::string key;
+            for (const auto& s : p.segments) {
+                for (const auto& t : s.tags) {
+                    if (s.marker != "AcDbDictionary" && s.marker != "") {
+                        if (!dict->extra)
+                            dict->extra = std::make_unique<ExtraTags>();
+                        dict->extra->Get(s.marker).push_back(Keep(t));
+                    } else if (t.code == 3) {
+                        key = Text(t.value);
+                    } else if (t.code == 350 || t.code == 360) {
+                        dict->entries.emplace_back(key, Hex(t));
+                        dict->hardOwner = dict->hardOwner || t.code == 360;
+                    } else if (t.code == 280) {
+                        dict->hardOwner = Int(t) != 0;
+                    } else if (t.code == 281) {
+                        dict->cloning = static_cast<int>(Int(t));
+                    } else {
+                        if (!dict->extra)
+                            dict->extra = std::make_unique<ExtraTags>();
+                        dict->extra->Get("AcDbDictionary").push_back(Keep(t));
+                    }
+                }
+            }
+            object = std::move(dict);
+        } else if (rec.type == "XRECORD") {
+            auto x = std::make_unique<XRecord>();
+            std::size_t i = 0;
+            if (i < p.body.size() && p.body[i].code == 100) {
+                ++i;
+            }
+            if (i < p.body.size() && p.body[i].code == 280) {
+                x->cloning = static_cast<int>(Int(p.body[i++]));
+            }
+            for (; i < p.body.size(); ++i) {
+                x->data.push_back(Keep(p.body[i]));
+            }
+            object = std::move(x);
+        } else {
+            auto u = std::make_unique<UnknownObject>();
+            u->typeName = std::string(rec.type);
+            KeepAll(p.body, u->tags);
+            object = std::move(u);
+        }
+        if (!p.preOwner.empty()) {
+            if (!object->extra)
+                object->extra = std::make_unique<ExtraTags>();
+            KeepAll(p.preOwner, object->extra->Get(""));
+        }
+        object->handle = Claim(p.handle, rec);
+        object->owner = p.owner;
+        const bool root = db_->NamedObjects() == kNullHandle && rec.type == "DICTIONARY";
+        const Handle h = db_->Add(std::move(object));
+        db_->MutableObjects().push_back(h);
+        if (root) {
+            db_->SetNamedObjects(h);
+        }
+    }
+}
+
+}  // namespace cad::dxfread
+
+namespace cad::dxfread {
+
+// After the last section: the required objects, names resolved, dangling links cut.
+void Reader::Finish() {
+    auto require = [this](bool present, const std::string& what, const std::function<void()>& add) {
+        if (!present) {
+            add();
+            Repair(what + " was missing; it was added");
+        }
+    };
+    require(db_->FindLayer("0") != kNullHandle, "layer 0", [this] { db_->AddLayer("0"); });
+    require(db_->FindTextStyle("Standard") != kNullHandle, "text style Standard",
+            [this] { db_->AddTextStyle("Standard"); });
+    require(db_->FindApp("ACAD") != kNullHandle, "application ACAD",
+            [this] { db_->RegisterApp("ACAD"); });
+    require(db_->FindBlock("*Model_Space") != kNullHandle, "model space",
+            [this] { db_->DefineBlock("*Model_Space"); });
+    require(db_->FindBlock("*Paper_Space") != kNullHandle, "paper space",
+            [this] { db_->DefineBlock("*Paper_Space"); });
+    db_->SetSpaces(db_->FindBlock("*Model_Space"), db_->FindBlock("*Paper_Space"));
+    require(db_->NamedObjects() != kNullHandle, "the named object dictionary", [this] {
+        auto root = std::make_unique<Dictionary>();
+        const Handle h = db_->Add(std::move(root));
+        db_->MutableObjects().insert(db_->MutableObjects().begin(), h);
+        db_->SetNamedObjects(h);
+    });
+    for (const auto& [ref, name] : pendingBlocks_) {
+        Handle block = db_->FindBlock(name);
+        if (block == kNullHandle) {
+            block = db_->DefineBlock(name);
+            Repair("block " + name + " was referenced but not defined; an empty block was added");
+        }
+        if (auto* r = db_->Get<BlockReference>(ref)) {
+            r->block = block;
+        }
+    }
+    db_->ForEachObject([this](const DbObject& o) {
+        auto* e = const_cast<Entity*>(dynamic_cast<const Entity*>(&o));
+        if (e == nullptr) {
+            return;
+        }
+        for (auto& g : e->xdata) {
+            for (auto& item : g.items) {
+                if (item.code == 1005 && item.AsHandle() != kNullHandle &&
+                    db_->Object(item.AsHandle()) == nullptr) {
+                    Repair("entity " + FormatHandle(e->handle) + ": extended data pointed at " +
+                           item.value + ", which does not exist; the link was cut");
+                    item.value = "0";
+                }
+            }
+        }
+    });
+    db_->SetCurrentsFromHeader();
+}
+
+}  // namespace cad::dxfread

@@ -1,0 +1,90 @@
+// The reader's internals, shared by the files that read sections and entities.
+#pragma once
+
+#include <memory>
+#include <string>
+#include <unordered_map>
+#include <unordered_set>
+#include <vector>
+
+#include "cad/Database.h"
+#include "cad/DxfTokens.h"
+
+namespace cad::dxfread {
+
+// An object's tags sorted out: handle, the tags before its owner, the owner, its tags by
+// subclass marker (a marker seen twice gets "#2"), and its extended data.
+struct Parsed {
+    Handle handle = kNullHandle;
+    bool hasOwner = false;
+    Handle owner = kNullHandle;
+    std::vector<RawTag> preOwner;
+    struct Segment {
+        std::string marker;
+        std::vector<RawTag> tags;
+    };
+    std::vector<Segment> segments;
+    std::vector<RawTag> body;   // every tag after the owner, extended data excepted, in order
+    std::vector<RawTag> xdata;  // from the first 1001 on
+};
+
+class Reader {
+public:
+    Reader(std::string_view data, std::string fileName);
+    std::unique_ptr<Database> Run();
+
+private:
+    // records
+    bool ReadRecord(Record& rec);
+    void ExpectRecord(Record& rec, const char* what);
+    Parsed Parse(const Record& rec, bool splitXData = true) const;
+
+    // values
+    std::string Text(std::string_view raw) const;
+    double Real(const RawTag& t) const;
+    long long Int(const RawTag& t) const;
+    Handle Hex(const RawTag& t) const;
+    Point3d PointAt(const std::vector<RawTag>& tags, std::size_t& i) const;
+    Tag Keep(const RawTag& t) const;  // validated and decoded for storage
+    void KeepAll(const std::vector<RawTag>& in, TagList& out) const;
+    Handle Claim(Handle h, const Record& rec);
+    void Repair(std::string text) { db_->Repairs().push_back(std::move(text)); }
+
+    // sections
+    void Section(const Record& head);
+    void Header();
+    void RawSection(TagList& out, const char* name, long line);
+    void Tables(long line);
+    void Table(const Record& head);
+    void TableRecordOf(const Record& rec, SymbolTable& table);
+    void Blocks(long line);
+    void Block(const Record& rec, long sectionLine);
+    void EntitiesSection(long line);
+    void Objects(long line);
+    void Finish();
+
+    // entities
+    void EntityRecord(const Record& rec, Handle space);
+    std::unique_ptr<Entity> BuildEntity(const Record& rec, Parsed& p);
+    bool TakeCommon(Entity& e, const RawTag& t);
+    bool TakeSpecific(Entity& e, const std::string& marker, const RawTag& t,
+                      std::vector<LwVertex>* vertices);
+    void ReadXData(Entity& e, const std::vector<RawTag>& tags);
+    Handle LayerNamed(const std::string& name);
+    Handle StyleNamed(const std::string& name);
+    void Place(std::unique_ptr<Entity> e, Handle space, const Record& rec);
+
+    Tokenizer tok_;
+    std::unique_ptr<Database> db_;
+    std::string charset_;
+    bool utf8_ = false;
+    std::unordered_set<Handle> blockHandles_;
+    std::unordered_map<std::string, Handle> layerCache_;
+    std::unordered_map<std::string, Handle> styleCache_;
+    std::vector<std::pair<Handle, std::string>> pendingBlocks_;  // references to resolve
+    Handle openParent_ = kNullHandle;  // an entity whose followers (ATTRIB, VERTEX) are coming
+    long openParentLine_ = 0;
+    bool sawEof_ = false;
+};
+
+}  // namespace cad::dxfread

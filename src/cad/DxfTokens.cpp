@@ -1,0 +1,112 @@
+#include "cad/DxfTokens.h"
+
+#include <cstring>
+
+#include "cad/NumberText.h"
+
+namespace cad::dxfread {
+
+namespace {
+
+std::string Printable(std::string_view text) {
+    std::string out;
+    for (unsigned char c : text.substr(0, 60)) {
+        out += c >= 0x20 && c != 0x7F ? static_cast<char>(c) : '?';
+    }
+    return out;
+}
+
+}  // namespace
+
+Tokenizer::Tokenizer(std::string_view data, std::string fileName)
+    : data_(data), fileName_(std::move(fileName)) {
+    if (data.size() >= 3 && static_cast<unsigned char>(data[0]) == 0xEF &&
+        static_cast<unsigned char>(data[1]) == 0xBB &&
+        static_cast<unsigned char>(data[2]) == 0xBF) {
+        pos_ = 3;  // a byte order mark before the first group code
+    }
+    const std::string_view head = data.substr(0, 32);
+    if (head.rfind("AutoCAD Binary DXF", 0) == 0) {
+        Fail(1, "binary DXF is not supported; save the drawing as ASCII DXF");
+    }
+    if (head.size() >= 6 && head.substr(0, 4) == "AC10" && head[4] >= '0' && head[4] <= '9') {
+        Fail(1, "this is a DWG drawing, not a DXF file", head.substr(0, 6));
+    }
+    if (head.rfind("\x89PNG", 0) == 0 || head.rfind("\xFF\xD8\xFF", 0) == 0 ||
+        head.rfind("%PDF", 0) == 0 || head.rfind("GIF8", 0) == 0 || head.rfind("BM", 0) == 0 ||
+        head.rfind("PK\x03\x04", 0) == 0) {
+        Fail(1, "this is not a DXF file (it looks like an image, PDF or archive)",
+             head.substr(0, 4));
+    }
+    if (std::memchr(data.data(), '\0', std::min<std::size_t>(data.size(), 4096)) != nullptr) {
+        Fail(1, "this is not a text file (it holds NUL bytes)");
+    }
+}
+
+void Tokenizer::Fail(long line, const std::string& problem, std::string_view text) const {
+    throw DxfError(fileName_, line, problem, Printable(text));
+}
+
+bool Tokenizer::ReadLine(std::string_view& line) {
+    if (pos_ >= data_.size()) {
+        return false;
+    }
+    const char* start = data_.data() + pos_;
+    const void* nl = std::memchr(start, '\n', data_.size() - pos_);
+    std::size_t len = nl != nullptr ? static_cast<const char*>(nl) - start : data_.size() - pos_;
+    pos_ += len + (nl != nullptr ? 1 : 0);
+    if (len > 0 && start[len - 1] == '\r') {
+        --len;
+    }
+    line = std::string_view(start, len);
+    ++line_;
+    return true;
+}
+
+bool Tokenizer::Peek(RawTag& tag) {
+    if (!peeked_) {
+        peeked_ = Next(peekTag_);
+        if (!peeked_) {
+            return false;
+        }
+        peeked_ = true;
+    }
+    tag = peekTag_;
+    return true;
+}
+
+bool Tokenizer::Next(RawTag& tag) {
+    if (peeked_) {
+        peeked_ = false;
+        tag = peekTag_;
+        return true;
+    }
+    std::string_view codeLine;
+    if (!ReadLine(codeLine)) {
+        return false;
+    }
+    const long line = line_;
+    long long code = 0;
+    if (!ParseInt(codeLine, code)) {
+        if (Trim(codeLine).empty() && pos_ >= data_.size()) {
+            return false;  // a blank last line
+        }
+        Fail(line, "group code is not a number", codeLine);
+    }
+    if (code < 0 || code > 1071) {
+        Fail(line, "group code " + std::to_string(code) + " does not exist", codeLine);
+    }
+    std::string_view value;
+    if (!ReadLine(value)) {
+        Fail(line,
+             "the file ends after group code " + std::to_string(code) +
+                 " (truncated, or an odd number of lines)",
+             codeLine);
+    }
+    tag.code = static_cast<int>(code);
+    tag.value = value;
+    tag.line = line;
+    return true;
+}
+
+}  // namespace cad::dxfread

@@ -1,0 +1,64 @@
+// The writer's internals, shared by the files that write sections and entities.
+#pragma once
+
+#include <string>
+
+#include "cad/Database.h"
+#include "cad/Dxf.h"
+
+namespace cad::dxfwrite {
+
+class Writer {
+public:
+    Writer(const Database& db, DxfVersion version, TagSink& sink);
+
+    void Run();
+
+private:
+    // tags
+    void Str(int code, std::string_view value);  // text, encoded for the file
+    void Raw(int code, std::string_view value);  // ASCII as it is
+    void Real(int code, double v);
+    void Int(int code, long long v);
+    void Hex(int code, Handle h);
+    void Point(int code, const Point3d& p);
+    void Tags(const TagList& tags);
+    void Extra(const DbObject& o, const std::string& marker);
+    void Head(const DbObject& o, const std::string& type, Handle owner, int handleCode = 5);
+
+    // sections
+    void Header();
+    void Classes();
+    void Tables();
+    void Table(const SymbolTable& table);
+    void Record(const DbObject& record);
+    void Blocks();
+    void Block(const BlockRecord& block, bool withEntities);
+    void EntitiesSection();
+    void Objects();
+    void Object(const DbObject& object);
+    void Thumbnail();
+
+    // entities
+    void Entity(const cad::Entity& e);
+    void EntityCommon(const cad::Entity& e);
+    void Body(const cad::Entity& e);
+    void TextBody(const cad::Text& t, bool secondAcDbText);
+    void MTextBody(const cad::MText& t);
+    void PolylineBody(const cad::LwPolyline& p);
+    void ReferenceBody(const cad::BlockReference& r);
+    void UnusedExtra(const cad::Entity& e, std::initializer_list<const char*> used);
+    void XData(const cad::Entity& e);
+
+    std::string NameOf(Handle record) const;
+    std::string AppName(Handle app) const;
+    bool R2000Plus() const { return version_ != DxfVersion::R14; }
+
+    const Database& db_;
+    DxfVersion version_;
+    TagSink& sink_;
+    std::string charset_;
+    std::string scratch_;
+};
+
+}  // namespace cad::dxfwrite
