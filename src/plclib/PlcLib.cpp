@@ -21,7 +21,8 @@ std::string Format(std::string_view format, std::string_view value) {
 }  // namespace
 
 void ReportDatabaseError(std::string_view engineMessage) {
-    host::ShowMessage(Format(kDatabaseErrorFormat, engineMessage), "", host::MsgIcon::None);
+    host::ShowMessage(Format(kDatabaseErrorFormat, engineMessage), kMessageCaption,
+                      host::MsgIcon::None);
 }
 
 bool HasQuote(std::string_view value) {
@@ -118,8 +119,8 @@ bool CPlcLib::Close() {
     const bool closed = connection_->Close(error);
     connection_.reset();
     if (!closed) {
-        host::ShowMessage(plcdb::Format("关闭数据库连接出现错误,错误信息:%s", error), "",
-                          host::MsgIcon::None);
+        host::ShowMessage(plcdb::Format("关闭数据库连接出现错误,错误信息:%s", error),
+                          plcdb::kMessageCaption, host::MsgIcon::None);
     }
     return closed;
 }
@@ -269,7 +270,7 @@ std::string CPlcLib::GetTableName(const std::string& manufacturer, const std::st
         return {};
     }
     if (rows->empty()) {
-        host::ShowMessage("厂家表数据为空", "", host::MsgIcon::None);
+        host::ShowMessage("厂家表数据为空", plcdb::kMessageCaption, host::MsgIcon::None);
         return {};
     }
     for (const auto& row : *rows) {

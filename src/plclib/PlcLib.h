@@ -19,6 +19,9 @@ namespace plcdb {
 // The message shown for a statement the engine refused; %s is the engine's text.
 inline constexpr const char* kDatabaseErrorFormat = "执行数据库操作时出错,错误信息:%s";
 
+// The caption of the layer's plain message boxes.
+inline constexpr const char* kMessageCaption = "Zandrix";
+
 // Shows a database error through the host.
 void ReportDatabaseError(std::string_view engineMessage);
 

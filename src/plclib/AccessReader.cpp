@@ -1,0 +1,144 @@
+#include "plclib/AccessReader.h"
+
+#include <mdbtools.h>
+
+#include <array>
+#include <filesystem>
+#include <fstream>
+#include <memory>
+
+namespace plcdb {
+namespace {
+
+// Every Jet and ACE file starts with this page signature and a format name.
+bool LooksLikeAccess(const std::string& path, std::string& error) {
+    std::error_code ec;
+    const auto size = std::filesystem::file_size(path, ec);
+    if (ec) {
+        error = "cannot read " + path + ": " + ec.message();
+        return false;
+    }
+    constexpr size_t kJet3Page = 2048;
+    if (size < kJet3Page) {
+        error = path + " is not an Access database (" + std::to_string(size) + " bytes)";
+        return false;
+    }
+    std::array<char, 32> head{};
+    std::ifstream in(path, std::ios::binary);
+    in.read(head.data(), head.size());
+    const std::string_view text(head.data(), head.size());
+    const bool jet =
+        text.substr(0, 4) == std::string_view("\0\1\0\0", 4) &&
+        (text.substr(4, 15) == "Standard Jet DB" || text.substr(4, 15) == "Standard ACE DB");
+    if (!jet) {
+        error = path + " is not an Access database (unknown file format)";
+        return false;
+    }
+    return true;
+}
+
+constexpr size_t kBindSize = 65536;
+
+}  // namespace
+
+struct AccessReader::Handle {
+    MdbHandle* mdb = nullptr;
+};
+
+AccessReader::~AccessReader() {
+    Close();
+}
+
+bool AccessReader::Open(const std::string& path, std::string& error) {
+    Close();
+    if (!std::filesystem::exists(path)) {
+        error = path + " does not exist";
+        return false;
+    }
+    if (!LooksLikeAccess(path, error)) {
+        return false;
+    }
+    MdbHandle* mdb = mdb_open(path.c_str(), MDB_NOFLAGS);
+    if (!mdb) {
+        error = path + " cannot be read as an Access database";
+        return false;
+    }
+    if (!mdb_read_catalog(mdb, MDB_ANY)) {
+        mdb_close(mdb);
+        error = path + ": the table catalogue cannot be read (damaged file?)";
+        return false;
+    }
+    mdb_set_bind_size(mdb, kBindSize);
+    mdb_set_date_fmt(mdb, "%Y-%m-%d %H:%M:%S");
+    handle_ = new Handle{mdb};
+    path_ = path;
+    return true;
+}
+
+void AccessReader::Close() {
+    if (handle_) {
+        mdb_close(handle_->mdb);
+        delete handle_;
+        handle_ = nullptr;
+    }
+}
+
+std::vector<std::string> AccessReader::TableNames() {
+    std::vector<std::string> names;
+    if (!handle_) {
+        return names;
+    }
+    MdbHandle* mdb = handle_->mdb;
+    for (unsigned i = 0; i < mdb->num_catalog; ++i) {
+        auto* entry = static_cast<MdbCatalogEntry*>(g_ptr_array_index(mdb->catalog, i));
+        if (entry->object_type == MDB_TABLE && !mdb_is_system_table(entry)) {
+            names.emplace_back(entry->object_name);
+        }
+    }
+    return names;
+}
+
+bool AccessReader::ReadTable(const std::string& name, QueryResult& out, std::string& error) {
+    out = QueryResult{};
+    if (!handle_) {
+        error = "no Access file is open";
+        return false;
+    }
+    MdbHandle* mdb = handle_->mdb;
+    MdbCatalogEntry* found = nullptr;
+    for (unsigned i = 0; i < mdb->num_catalog && !found; ++i) {
+        auto* entry = static_cast<MdbCatalogEntry*>(g_ptr_array_index(mdb->catalog, i));
+        if (entry->object_type == MDB_TABLE && EqualsIgnoreCase(entry->object_name, name)) {
+            found = entry;
+        }
+    }
+    if (!found) {
+        error = path_ + " has no table " + name;
+        return false;
+    }
+    std::unique_ptr<MdbTableDef, void (*)(MdbTableDef*)> table(mdb_read_table(found),
+                                                               mdb_free_tabledef);
+    if (!table || !mdb_read_columns(table.get())) {
+        error = path_ + ": table " + name + " cannot be read (damaged file?)";
+        return false;
+    }
+    mdb_rewind_table(table.get());
+    const unsigned columns = table->num_cols;
+    std::vector<std::vector<char>> buffers(columns, std::vector<char>(kBindSize + 1));
+    std::vector<int> lengths(columns);
+    for (unsigned i = 0; i < columns; ++i) {
+        auto* column = static_cast<MdbColumn*>(g_ptr_array_index(table->columns, i));
+        out.columns.emplace_back(column->name);
+        mdb_bind_column(table.get(), static_cast<int>(i + 1), buffers[i].data(), &lengths[i]);
+    }
+    while (mdb_fetch_row(table.get())) {
+        auto& row = out.rows.emplace_back();
+        for (unsigned i = 0; i < columns; ++i) {
+            const int length = std::min<int>(lengths[i], static_cast<int>(kBindSize));
+            row.emplace_back(buffers[i].data(), length > 0 ? static_cast<size_t>(length) : 0);
+        }
+    }
+    return true;
+}
+
+}  // namespace plcdb
