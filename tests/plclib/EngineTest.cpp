@@ -101,6 +101,20 @@ TEST_F(EngineTest, MemoKeepsTextAndNullsReadAsEmpty) {
     EXPECT_EQ(typed->Get(1, "T"), "integer");
 }
 
+TEST_F(EngineTest, InlinePrimaryKeysAndBracketedNames) {
+    auto holder = OpenModuleLibrary();
+    auto& db = *holder;
+    std::string error;
+    ASSERT_TRUE(
+        db.Execute("Create TABLE [Inline Key] (CODE CHAR(10) NOT NULL PRIMARY KEY, N int)", error))
+        << error;
+    ASSERT_TRUE(db.Execute("INSERT INTO [Inline Key] VALUES ('ab', 1)", error)) << error;
+    EXPECT_FALSE(db.Execute("INSERT INTO [inline key] VALUES ('AB', 2)", error));
+    EXPECT_FALSE(db.Execute("INSERT INTO [Inline Key] VALUES ('abcdefghijk', 3)", error));
+    ASSERT_TRUE(db.Execute("Drop table [Inline Key]", error)) << error;
+    EXPECT_FALSE(db.TableExists("Inline Key"));
+}
+
 TEST_F(EngineTest, RefusesMoreThanOneStatementAtOnce) {
     auto holder = OpenModuleLibrary();
     auto& db = *holder;
