@@ -16,6 +16,7 @@
 #include "cad/Handle.h"
 #include "draw/Controls.h"
 #include "draw/LastSelection.h"
+#include "draw/settings/PLCSettingSheetDlg.h"
 #include "draw/settings/PlcDrawSettings.h"
 #include "plclib/PlcLib.h"
 
@@ -118,6 +119,9 @@ public:
     // Called after closing has destroyed the window; the owner deletes the object and clears
     // its pointer to it there. Nothing of the dialog may be touched after it returns.
     std::function<void(CDlgPlcRendal*)> onClosed;
+    // Shows the settings sheet modally and says whether it was closed with OK; a view (or a
+    // test) supplies it. Without one the sheet counts as cancelled.
+    ModalRunner<CPLCSettingSheetDlg> settingsSheetRunner;
 
     // --- lifecycle -----------------------------------------------------------------------
     // Creates the window hidden: opens the library (false, and the dialog is cancelled, when

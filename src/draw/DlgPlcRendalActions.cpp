@@ -80,6 +80,11 @@ void CDlgPlcRendal::OnRefresh() {
     FillLocation();
 }
 
+void CDlgPlcRendal::OnSettings() {
+    const ModalRunner<CPLCSettingSheetDlg> cancelled = [](CPLCSettingSheetDlg&) { return false; };
+    RunPlcSettingSheet(*this, settingsSheetRunner ? settingsSheetRunner : cancelled);
+}
+
 bool CDlgPlcRendal::PrepareDraw() {
     if (termList.Count() == 0) {
         return false;

@@ -86,7 +86,10 @@ TEST_F(RendalRunsTest, WithoutARequestTheRunOnlyRestoresTheDialog) {
     EXPECT_TRUE(env.host.prompts.empty());
 }
 
-TEST_F(RendalRunsTest, ADrawRequestIsCarriedOutByTheQueuedCommandAndCleared) {
+TEST_F(RendalRunsTest, ADrawRequestIsCarriedOutByTheQueuedCommandAndTheDialogComesBack) {
+    if (!env.realSymbol) {
+        GTEST_SKIP() << "the terminal symbols are not built";
+    }
     app::CPlcRendalApp application;
     application.EntryPoint(app::AppMessage::InitApplication);
     run.RunRendal();
@@ -95,15 +98,42 @@ TEST_F(RendalRunsTest, ADrawRequestIsCarriedOutByTheQueuedCommandAndCleared) {
     dlg->editTag = "A1";
     cad::Database db;
     env.host.database = &db;
+    const size_t before = db.Entities(db.ModelSpace()).size();
+    env.host.pointAnswers.push_back({host::InputStatus::Normal, {100, 50, 0}});
     dlg->OnDrawFull();
     ASSERT_TRUE(dlg->drawPending);
     EXPECT_TRUE(dlg->minimized);
-    // The drawing asks for a placement point; none is scripted, so it is cancelled.
-    EXPECT_GE(env.host.RunSentCommands(), 1);
+
+    EXPECT_GE(env.host.RunSentCommands(), 2);  // the drawing, then the dialog's return
     EXPECT_FALSE(dlg->drawPending);
-    EXPECT_FALSE(env.host.prompts.empty());
+    EXPECT_EQ(dlg->drawFinished, 1);
+    EXPECT_GT(db.Entities(db.ModelSpace()).size(), before);
+    EXPECT_FALSE(dlg->reshowPending);
+    EXPECT_FALSE(dlg->minimized);
+    EXPECT_TRUE(dlg->visible);
+
     application.EntryPoint(app::AppMessage::UnloadApplication);
     EXPECT_EQ(g_pDlgPlcRendal, nullptr);
+}
+
+TEST_F(RendalRunsTest, ACancelledPlacementDrawsNothingAndStillBringsTheDialogBack) {
+    if (!env.realSymbol) {
+        GTEST_SKIP() << "the terminal symbols are not built";
+    }
+    app::CPlcRendalApp application;
+    application.EntryPoint(app::AppMessage::InitApplication);
+    run.RunRendal();
+    CDlgPlcRendal* dlg = g_pDlgPlcRendal;
+    ASSERT_TRUE(dlg->SelectModulePath("Alpha", "S1", "DI", "DI-32B"));
+    dlg->editTag = "A1";
+    cad::Database db;
+    env.host.database = &db;
+    dlg->OnDrawDivided();  // no point scripted: the placement is cancelled
+    env.host.RunSentCommands();
+    EXPECT_FALSE(dlg->drawPending);
+    EXPECT_EQ(dlg->drawFinished, 0);
+    EXPECT_FALSE(dlg->minimized);
+    EXPECT_NE(env.host.AllPrinted().find("选择插入点错误!"), std::string::npos);
 }
 
 TEST_F(RendalRunsTest, ClosingDestroysTheDialogAndTheNextRunCreatesANewOne) {

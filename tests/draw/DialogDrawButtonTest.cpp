@@ -2,6 +2,8 @@
 // the drawing commands; and the location read from the current drawing's saved file.
 #include <gtest/gtest.h>
 
+#include <algorithm>
+
 #include "DialogTestSupport.h"
 #include "cad/Database.h"
 #include "cad/Dxf.h"
@@ -133,4 +135,28 @@ TEST(DialogLocation, ReadFromTheSavedDrawingOnlyWhenItHasAName) {
     testing_support::WriteFile(folder / "plan.dxf", "0\nSECTION\n2\nBROKEN");
     dlg->OnRefresh();
     EXPECT_EQ(dlg->editLocation, "");
+}
+
+TEST(DialogSettings, TheSheetEditsTheDialogsOwnSettingsAndLocksTheDocument) {
+    DialogEnvironment env;
+    auto dlg = env.OpenDialog();
+    ASSERT_TRUE(dlg->labelSlotNo);
+    dlg->settingsSheetRunner = [](CPLCSettingSheetDlg& sheet) {
+        sheet.labelPage.OnInitDialog();
+        sheet.labelPage.OnClick(CLabelSettingDlg::SlotNo);
+        return true;
+    };
+    dlg->OnSettings();
+    EXPECT_FALSE(dlg->labelSlotNo);
+    EXPECT_EQ(env.host.lockDepth, 0);
+    EXPECT_NE(std::count(env.host.calls.begin(), env.host.calls.end(), "LockDocument"), 0);
+    EXPECT_TRUE(std::filesystem::exists(env.LocalDir() / "LocalData" / "PlcDrawSetting.dat"));
+
+    dlg->settingsSheetRunner = [](CPLCSettingSheetDlg& sheet) {
+        sheet.labelPage.OnInitDialog();
+        sheet.labelPage.OnClick(CLabelSettingDlg::SlotNo);
+        return false;  // cancelled: nothing changes
+    };
+    dlg->OnSettings();
+    EXPECT_FALSE(dlg->labelSlotNo);
 }

@@ -65,12 +65,15 @@ void WriteSampleLibrary(const std::filesystem::path& path) {
         {"Alpha", "S2", "AI", {{"AI-04X", "4", "模拟量", 2}, {"AI-08", "8", "模拟量", 2}}},
         {"Beta", "B1", "MIX", {{"MX-01X", "1", "混合", 2}}},
     };
+    // One transaction: a file synced after every row makes each test wait on the disk.
+    Run(db, "BEGIN TRANSACTION");
     for (const Type& type : types) {
         AddType(db, type);
     }
     Run(db, "INSERT INTO PLC_MANUFACTURER VALUES ('Beta','B2','','')");
     Run(db, "INSERT INTO PLC_MANUFACTURER VALUES ('Gamma','','','')");
     Run(db, "INSERT INTO MANUFACTURER_simple VALUES ('Alpha','ALP')");
+    Run(db, "COMMIT");
     ASSERT_TRUE(db.Close(error)) << error;
 }
 
@@ -81,7 +84,15 @@ DialogEnvironment::DialogEnvironment()
       scope_(std::make_unique<host::ScopedHost>(host)) {
     WriteSampleLibrary(LibraryPath());
     std::filesystem::create_directories(SymbolPath().parent_path());
-    testing_support::WriteFile(SymbolPath(), "0\nEOF\n");
+    // The built terminal symbol when there is one, so that drawings can be made; the dialog
+    // itself only asks whether the file exists.
+    const auto builtSymbol = testing_support::CommonResDir() / "SYMB2LIB" / "SYMB2_S_KTR5.dxf";
+    realSymbol = std::filesystem::is_regular_file(builtSymbol);
+    if (realSymbol) {
+        std::filesystem::copy_file(builtSymbol, SymbolPath());
+    } else {
+        testing_support::WriteFile(SymbolPath(), "0\nEOF\n");
+    }
 }
 
 DialogEnvironment::~DialogEnvironment() = default;

@@ -42,6 +42,7 @@ public:
     std::unique_ptr<CDlgPlcRendal> OpenDialog();
 
     testing_support::RecordingHost host;
+    bool realSymbol = false;  // SymbolPath() is the built terminal symbol, not a stand-in
 
 private:
     testing_support::TempDir dir_;
