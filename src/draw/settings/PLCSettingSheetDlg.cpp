@@ -56,13 +56,19 @@ bool CPLCSettingSheetDlg::OnOK() {
                                            drawsettings::FullFormText(drawPage.formats, s));
 }
 
-bool RunPlcSettingSheet(PlcDrawSettings& settings,
-                        const ModalRunner<CPLCSettingSheetDlg>& runSheet) {
+bool RunPlcSettingSheet(PlcDrawSettings& settings, const ModalRunner<CPLCSettingSheetDlg>& runSheet,
+                        bool* fileWritten) {
     DocumentLock lock;
     CPLCSettingSheetDlg sheet(settings);
+    if (fileWritten) {
+        *fileWritten = false;
+    }
     if (!runSheet || !runSheet(sheet)) {
         return false;
     }
-    sheet.OnOK();
+    const bool written = sheet.OnOK();
+    if (fileWritten) {
+        *fileWritten = written;
+    }
     return true;
 }

@@ -40,6 +40,7 @@ float FixedTermLength(std::string_view symbolName, float measured);
 
 // Button 设置 of the drawing dialog: with the current document locked, shows the sheet
 // through `runSheet`, which returns true when the user closed it with OK; the sheet's OK is
-// then applied. True when the sheet was closed with OK.
-bool RunPlcSettingSheet(PlcDrawSettings& settings,
-                        const ModalRunner<CPLCSettingSheetDlg>& runSheet);
+// then applied. True when the sheet was closed with OK; `fileWritten`, when given, says
+// whether the settings file was rewritten.
+bool RunPlcSettingSheet(PlcDrawSettings& settings, const ModalRunner<CPLCSettingSheetDlg>& runSheet,
+                        bool* fileWritten = nullptr);

@@ -91,6 +91,13 @@ void LoadFormat(PlcDrawSettings& settings, const std::vector<std::string>& lines
 
 namespace drawsettings {
 
+void PresetPlcDrawSettings(PlcDrawSettings& settings) {
+    settings.termSpacing = 10.0f;
+    settings.typeWidth = 10.0f;
+    settings.termDirection = 0;
+    settings.termLength = 2.5f;
+}
+
 void LoadPlcDrawSettingsFromLines(PlcDrawSettings& settings, const std::vector<std::string>* lines,
                                   std::set<std::string>* fromFile) {
     if (!lines) {
@@ -134,10 +141,7 @@ void LoadPlcDrawSettings(PlcDrawSettings& settings) {
 }
 
 void InitPlcDrawSettings(PlcDrawSettings& settings) {
-    settings.termSpacing = 10.0f;
-    settings.typeWidth = 10.0f;
-    settings.termDirection = 0;
-    settings.termLength = 2.5f;
+    drawsettings::PresetPlcDrawSettings(settings);
     LoadPlcDrawSettings(settings);
 }
 

@@ -66,6 +66,9 @@ std::optional<std::vector<std::string>> ReadSettingLines();
 // What the format page reads: every format's values, each missing one by its default.
 FormatTerminals LoadFormatTerminals(const std::vector<std::string>* lines);
 
+// The values the drawing dialog's constructor presets before it loads the file.
+void PresetPlcDrawSettings(PlcDrawSettings& settings);
+
 // The drawing dialog's load; `fromFile`, when given, receives the names of the members whose
 // values were taken from the file (the others hold defaults).
 void LoadPlcDrawSettingsFromLines(PlcDrawSettings& settings, const std::vector<std::string>* lines,
