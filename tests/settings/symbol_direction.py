@@ -1,13 +1,14 @@
 """Says in which direction a terminal symbol's lead leaves it, read independently with ezdxf.
 
-The terminal marker is the red closed two-vertex polyline; the direction shown is the side of
-the drawing's bounding box that the marker lies nearest to: 0 up, 1 down, 2 right, 3 left.
+The terminal marker is the red closed two-vertex polyline at the free end of the lead; the lead
+starts at the drawing's base point ($INSBASE), where the symbol meets the module. The direction
+shown is the main axis of the way from the base point to the marker: 0 up, 1 down, 2 right,
+3 left.
 Prints "<direction> <marker count>", or "none <marker count>" without exactly one marker.
 """
 import sys
 
 import ezdxf
-from ezdxf import bbox
 
 
 def main(path):
@@ -21,9 +22,13 @@ def main(path):
     points = markers[0].get_points("xy")
     mx = (points[0][0] + points[1][0]) / 2
     my = (points[0][1] + points[1][1]) / 2
-    box = bbox.extents(msp)
-    gaps = [box.extmax.y - my, my - box.extmin.y, box.extmax.x - mx, mx - box.extmin.x]
-    print(gaps.index(min(gaps)), 1)
+    base = doc.header.get("$INSBASE", (0, 0, 0))
+    dx = mx - base[0]
+    dy = my - base[1]
+    if abs(dx) >= abs(dy):
+        print(2 if dx >= 0 else 3, 1)
+    else:
+        print(0 if dy >= 0 else 1, 1)
     return 0
 
 
