@@ -1,0 +1,225 @@
+// qvplc lib: the component library on the command line. `tree` and `show` read it the way the
+// dialogs do; `migrate` converts a Windows library (Access file) into this system's.
+#include <cstdio>
+#include <filesystem>
+#include <string>
+
+#include "Args.h"
+#include "Commands.h"
+#include "ExitCodes.h"
+#include "host/SuiteServices.h"
+#include "plclib/LibraryTree.h"
+#include "plclib/Migrate.h"
+#include "plclib/PlcLib.h"
+
+namespace cli {
+namespace {
+
+OptionSpec LibraryOption() {
+    return {"library", "FILE",
+            "the library to read (default: PLC/QvPLC.db in the local installation folder)"};
+}
+
+const CommandSpec kTreeSpec{
+    "qvplc lib tree [--library FILE]",
+    "Prints the component library as the tree of the drawing dialog and the library editor:\n"
+    "manufacturers in the order they first appear, then their series, types and module\n"
+    "codes, one level of indent each. A manufacturer, series or type without children is\n"
+    "printed alone.",
+    {LibraryOption()},
+    "Example:\n  qvplc lib tree --library ./QvPLC.db"};
+
+const CommandSpec kShowSpec{
+    "qvplc lib show MANUFACTURER/SERIES/TYPE/CODE [--library FILE]",
+    "Prints one module: its parameters, then its terminal rows (sequence, terminal number,\n"
+    "description, detailed description) separated by tabs, in the library's order. The\n"
+    "names are matched as stored (case counts); the code is everything after the third '/'.",
+    {LibraryOption()},
+    "Example:\n  qvplc lib show 'Norvik Controls/NX 10/Digital input/NX1-DI16'"};
+
+const CommandSpec kMigrateSpec{
+    "qvplc lib migrate OLD.mdb [--force] [--library FILE]",
+    "Converts a component library of the Windows suite (an Access .mdb or .accdb file with\n"
+    "PLC_MANUFACTURER, MANUFACTURER_Simple and the module tables) into PLC/QvPLC.db of the\n"
+    "local installation folder. An existing library is kept unless --force is given. The new\n"
+    "library is written under a temporary name and renamed when complete. Every row that\n"
+    "cannot be converted (a value with a single quote, a text longer than its column, a\n"
+    "sequence that is no number, a duplicate key) is listed on standard error.",
+    {{"force", "", "replace an existing library"},
+     {"library", "FILE", "write this library instead of the one in the local folder"}},
+    "Example:\n  qvplc lib migrate /mnt/win/Zandrix/PLC/QvPLC.mdb --force"};
+
+std::string LibraryPath(const ParsedArgs& args) {
+    if (auto path = args.Value("library")) {
+        return *path;
+    }
+    return suite::PathJoin(suite::GetZandrixLocalInstallPath(), plcdb::kLibraryRelativePath);
+}
+
+// Opens and loads the library; the exit code on failure (the reason was reported).
+int Load(const ParsedArgs& args, CPlcLib& lib) {
+    const std::string path = LibraryPath(args);
+    if (!lib.Open(path)) {
+        return kExitBadInput;
+    }
+    if (!lib.LoadLibrary()) {
+        std::fprintf(stderr, "qvplc: the library %s holds no manufacturer\n", path.c_str());
+        return kExitFailure;
+    }
+    return kExitOk;
+}
+
+void PrintLevel(const std::vector<plcdb::TreeNode>& nodes, int depth) {
+    for (const auto& node : nodes) {
+        std::printf("%*s%s\n", depth * 2, "", node.name.c_str());
+        PrintLevel(node.children, depth + 1);
+    }
+}
+
+int RunTree(const ParsedArgs& args) {
+    CPlcLib lib;
+    if (int code = Load(args, lib); code != kExitOk) {
+        return code;
+    }
+    std::printf("PLC\n");
+    PrintLevel(plcdb::BuildTree(lib.Entries()), 1);
+    return kExitOk;
+}
+
+int RunShow(const ParsedArgs& args) {
+    const std::string& key = args.positional[0];
+    std::vector<std::string> parts;
+    size_t start = 0;
+    for (int i = 0; i < 3; ++i) {
+        const size_t slash = key.find('/', start);
+        if (slash == std::string::npos) {
+            std::fprintf(stderr, "qvplc: '%s' is not MANUFACTURER/SERIES/TYPE/CODE\n", key.c_str());
+            return kExitUsage;
+        }
+        parts.push_back(key.substr(start, slash - start));
+        start = slash + 1;
+    }
+    parts.push_back(key.substr(start));
+    CPlcLib lib;
+    if (int code = Load(args, lib); code != kExitOk) {
+        return code;
+    }
+    auto* found = plcdb::FindModule(lib.Entries(), parts[0], parts[1], parts[2], parts[3]);
+    if (!found) {
+        std::fprintf(stderr, "qvplc: the library %s has no module %s\n", lib.Path().c_str(),
+                     key.c_str());
+        return kExitFailure;
+    }
+    auto entry = found->Clone();
+    if (!lib.LoadTerminals(parts[0], parts[1], parts[2], parts[3], *entry)) {
+        return kExitFailure;
+    }
+    const std::string shortName = lib.GetShortName(entry->manufacturer);
+    std::printf("厂家: %s%s\n系列: %s\n系列类型: %s\n", entry->manufacturer.c_str(),
+                shortName.empty() ? "" : (" (" + shortName + ")").c_str(), entry->series.c_str(),
+                entry->type.c_str());
+    std::printf("模块代号: %s\n通道数: %s\n类型: %s\n描述: %s\n额定值: %s\n\n", entry->code.c_str(),
+                entry->points.c_str(), entry->moduleType.c_str(), entry->description.c_str(),
+                entry->rating.c_str());
+    std::printf("端点序号\t端号\t端点描述\t端点详细描述\n");
+    for (const auto& row : entry->terminals) {
+        std::printf("%s\t%s\t%s\t%s\n", row->sequence.c_str(), row->termValue.c_str(),
+                    row->termDesc.c_str(), row->detailTermDesc.c_str());
+    }
+    return kExitOk;
+}
+
+void DrawProgress(size_t done, size_t total) {
+    constexpr size_t kWidth = 30;
+    const size_t filled = total ? done * kWidth / total : kWidth;
+    std::fprintf(stderr, "\r[%s%s] %zu/%zu tables", std::string(filled, '#').c_str(),
+                 std::string(kWidth - filled, '-').c_str(), done, total);
+    if (done == total) {
+        std::fputc('\n', stderr);
+    }
+}
+
+int RunMigrate(const ParsedArgs& args) {
+    const std::string source = args.positional[0];
+    plcdb::AccessReader reader;
+    std::string error;
+    if (!reader.Open(source, error)) {
+        std::fprintf(stderr, "qvplc: %s\n", error.c_str());
+        return kExitBadInput;
+    }
+    const std::string target = LibraryPath(args);
+    plcdb::MigrationOptions options;
+    options.force = args.Has("force");
+    options.progress = DrawProgress;
+    plcdb::MigrationReport report;
+    if (!plcdb::MigrateLibrary(reader, target, options, report, error)) {
+        std::fprintf(stderr, "qvplc: %s\n", error.c_str());
+        return error.find("no component library") != std::string::npos ? kExitBadInput
+                                                                       : kExitFailure;
+    }
+    for (const auto& problem : report.problems) {
+        std::fprintf(stderr, "not converted: %s\n", problem.c_str());
+    }
+    std::printf(
+        "%s: %d manufacturers, %d type rows, %d module tables, %d modules, "
+        "%d terminal rows; %zu problems\n",
+        target.c_str(), report.manufacturers, report.typeRows, report.tables, report.modules,
+        report.terminals, report.problems.size());
+    return kExitOk;
+}
+
+struct Subcommand {
+    const char* name;
+    const CommandSpec* spec;
+    size_t positional;
+    int (*run)(const ParsedArgs& args);
+};
+
+const Subcommand kSubcommands[] = {
+    {"tree", &kTreeSpec, 0, RunTree},
+    {"show", &kShowSpec, 1, RunShow},
+    {"migrate", &kMigrateSpec, 1, RunMigrate},
+};
+
+void PrintGroupUsage(FILE* out) {
+    std::fprintf(out,
+                 "usage: qvplc lib <command> [options]\n\nThe component library.\n\n"
+                 "Commands:\n"
+                 "  tree      print manufacturer > series > type > module\n"
+                 "  show      print one module and its terminal rows\n"
+                 "  migrate   convert a Windows library (.mdb) into PLC/QvPLC.db\n\n"
+                 "Every command takes --help.\n");
+}
+
+}  // namespace
+
+int RunLib(const Arguments& args, CliHost& host) {
+    if (args.empty() || args[0] == "--help" || args[0] == "-h") {
+        PrintGroupUsage(args.empty() ? stderr : stdout);
+        return args.empty() ? kExitUsage : kExitOk;
+    }
+    for (const auto& sub : kSubcommands) {
+        if (args[0] != sub.name) {
+            continue;
+        }
+        auto parsed = Parse(*sub.spec, Arguments(args.begin() + 1, args.end()));
+        if (!parsed) {
+            return kExitUsage;
+        }
+        if (parsed->help) {
+            std::printf("%s", HelpText(*sub.spec).c_str());
+            return kExitOk;
+        }
+        if (parsed->positional.size() != sub.positional) {
+            std::fprintf(stderr, "qvplc: %s takes %zu argument%s\nusage: %s\n", sub.name,
+                         sub.positional, sub.positional == 1 ? "" : "s", sub.spec->usage.c_str());
+            return kExitUsage;
+        }
+        return sub.run(*parsed);
+    }
+    std::fprintf(stderr, "qvplc: unknown command 'lib %s'\n\n", args[0].c_str());
+    PrintGroupUsage(stderr);
+    return kExitUsage;
+}
+
+}  // namespace cli
