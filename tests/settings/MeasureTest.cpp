@@ -3,6 +3,8 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <map>
+#include <sstream>
 
 #include "SettingsFixture.h"
 #include "cad/Entity.h"
@@ -138,8 +140,8 @@ TEST_F(TermSymbolFileTest, MissingOrNonDrawingFilesAreReported) {
     EXPECT_FALSE(error.empty());
 }
 
-// Every shipped symbol measures, by this program's reader and rule, to the side on which an
-// independent reader sees its marker.
+// Every shipped symbol measures, by this program's reader and rule, to the way its lead runs
+// from its base point to its marker, as an independent reader sees them.
 TEST(ShippedTermSymbols, EachMeasuresToTheDirectionItsDrawingShows) {
     const auto folder = testing_support::CommonResDir() / "SYMB2LIB";
     std::vector<std::filesystem::path> symbols;
@@ -154,20 +156,29 @@ TEST(ShippedTermSymbols, EachMeasuresToTheDirectionItsDrawingShows) {
                              "SYMB2_S_04", "SYMB2_S_20", "SYMB2_S_210"}) {
         EXPECT_TRUE(std::filesystem::exists(folder / (std::string(name) + ".dxf"))) << name;
     }
-    const std::string script =
+    std::string command =
+        testing_support::Python() + " " +
         (testing_support::SourceDir() / "tests/settings/symbol_direction.py").string();
     for (const auto& symbol : symbols) {
-        std::string shown;
-        ASSERT_EQ(
-            testing_support::RunCommand(
-                testing_support::Python() + " " + script + " '" + symbol.string() + "'", &shown),
-            0)
-            << shown;
-        ASSERT_EQ(shown.substr(0, 1).find_first_of("0123"), 0u)
-            << symbol.filename() << " has no single marker: " << shown;
+        command += " '" + symbol.string() + "'";
+    }
+    std::string output;
+    ASSERT_EQ(testing_support::RunCommand(command, &output), 0) << output;
+    std::map<std::string, std::string> shown;  // path -> "<direction> <markers>"
+    std::istringstream lines(output);
+    for (std::string line; std::getline(lines, line);) {
+        const auto second = line.find(' ', line.find(' ') + 1);
+        if (second != std::string::npos) {
+            shown[line.substr(second + 1)] = line.substr(0, second);
+        }
+    }
+    for (const auto& symbol : symbols) {
+        const std::string seen = shown[symbol.string()];
+        ASSERT_TRUE(!seen.empty() && seen[0] >= '0' && seen[0] <= '3')
+            << symbol.filename() << " has no single marker: " << seen;
         const auto m = drawsettings::MeasureTerminalSymbol(symbol.string());
         ASSERT_TRUE(m) << symbol;
-        EXPECT_EQ(m->direction, shown[0] - '0') << symbol.filename();
+        EXPECT_EQ(m->direction, seen[0] - '0') << symbol.filename();
         EXPECT_GT(m->length, 0.0f) << symbol.filename();
         const std::string stem = symbol.stem().string();
         if (stem == "SYMB2_S_KTR5" || stem == "SYMB2_S_KTR17" || stem == "SYMB2_S_KTR211") {

@@ -92,17 +92,6 @@ TEST_F(SheetTest, OkTakesTheSelectedFormatAndWritesTheFullForm) {
     EXPECT_FLOAT_EQ(reread.termLength, 9.0f);  // the file keeps the measured length
 }
 
-TEST_F(SheetTest, KnownSymbolsHaveFixedLengths) {
-    for (const char* name : {"SYMB2_S_01", "SYMB2_S_02", "SYMB2_S_03", "SYMB2_S_04"}) {
-        EXPECT_FLOAT_EQ(FixedTermLength(name, 1.0f), 5.0f) << name;
-    }
-    EXPECT_FLOAT_EQ(FixedTermLength("SYMB2_S_20", 1.0f), 3.75f);
-    EXPECT_FLOAT_EQ(FixedTermLength("SYMB2_S_210", 1.0f), 3.75f);
-    EXPECT_FLOAT_EQ(FixedTermLength("SYMB2_S_2100", 1.0f), 1.0f);
-    EXPECT_FLOAT_EQ(FixedTermLength("symb2_s_20", 1.0f), 1.0f);
-    EXPECT_FLOAT_EQ(FixedTermLength("SYMB2_S_KTR5", 6.5f), 6.5f);
-}
-
 TEST_F(SheetTest, RunningTheSheetLocksTheDocumentAndCancelChangesNothing) {
     WriteSettings("元件类型:1\n");
     PlcDrawSettings s;

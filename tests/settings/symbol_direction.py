@@ -4,21 +4,21 @@ The terminal marker is the red closed two-vertex polyline at the free end of the
 starts at the drawing's base point ($INSBASE), where the symbol meets the module. The direction
 shown is the main axis of the way from the base point to the marker: 0 up, 1 down, 2 right,
 3 left.
-Prints "<direction> <marker count>", or "none <marker count>" without exactly one marker.
+For each file named prints "<direction> <marker count> <file>", or "none <count> <file>"
+without exactly one marker.
 """
 import sys
 
 import ezdxf
 
 
-def main(path):
+def shown(path):
     doc = ezdxf.readfile(path)
     msp = doc.modelspace()
     markers = [e for e in msp.query("LWPOLYLINE")
                if e.closed and len(e) == 2 and e.dxf.color == 1]
     if len(markers) != 1:
-        print("none", len(markers))
-        return 0
+        return "none %d" % len(markers)
     points = markers[0].get_points("xy")
     mx = (points[0][0] + points[1][0]) / 2
     my = (points[0][1] + points[1][1]) / 2
@@ -26,11 +26,15 @@ def main(path):
     dx = mx - base[0]
     dy = my - base[1]
     if abs(dx) >= abs(dy):
-        print(2 if dx >= 0 else 3, 1)
-    else:
-        print(0 if dy >= 0 else 1, 1)
+        return "%d 1" % (2 if dx >= 0 else 3)
+    return "%d 1" % (0 if dy >= 0 else 1)
+
+
+def main(paths):
+    for path in paths:
+        print(shown(path), path)
     return 0
 
 
 if __name__ == "__main__":
-    sys.exit(main(sys.argv[1]))
+    sys.exit(main(sys.argv[1:]))
