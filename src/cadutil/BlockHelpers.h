@@ -23,8 +23,9 @@ bool SetXDataItem(cad::Database& db, cad::Handle entity, const std::string& app,
 cad::Handle LayerIdByName(const cad::Database& db, const std::string& name);
 
 // The extents of a block reference: the entities of its block under its transform, leaving
-// out invisible entities and empty texts. False when `reference` is not a live block
-// reference or nothing in it has extents.
+// out invisible entities, entities on layers that are off or frozen, and empty texts.
+// The reference's own attributes are not measured. False when `reference` is not a live
+// block reference or nothing in it has extents.
 bool BlockReferenceExtents(const cad::Database& db, cad::Handle reference, cad::Point3d& min,
                            cad::Point3d& max);
 

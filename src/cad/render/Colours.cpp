@@ -73,8 +73,8 @@ Rgb IndexColour(int index, Rgb background) {
 Rgb PaintColour(int index, Rgb background) {
     Rgb c = IndexColour(index, background);
     const double lum = Luminance(c);
-    if (IsLight(background) && lum > 0.6) {
-        const double k = 0.6 / lum;
+    if (IsLight(background) && lum > 0.5) {
+        const double k = 0.5 / lum;
         c = {c.r * k, c.g * k, c.b * k};
     }
     return c;

@@ -9,8 +9,8 @@ namespace cad::render {
 // the "foreground" colour: black on a light background, white on a dark one.
 Rgb IndexColour(int index, Rgb background);
 
-// The colour as it is painted: on a light background very light colours (yellow, cyan,
-// light greys) are darkened just enough to stay legible, hue kept.
+// The colour as it is painted: on a light background very light colours (yellow, green,
+// cyan, light greys) are darkened just enough to stay legible, hue kept.
 Rgb PaintColour(int index, Rgb background);
 
 bool IsLight(Rgb colour);

@@ -190,8 +190,7 @@ void Walker::DrawPolyline(const LwPolyline& pl, Rgb colour, const Matrix3d& m) {
     canvas_.Polyline(vertices, pl.closed, colour);
 }
 
-void Walker::DrawText(const Text& text, const std::string& shown, Rgb colour,
-                      const Matrix3d& m) {
+void Walker::DrawText(const Text& text, const std::string& shown, Rgb colour, const Matrix3d& m) {
     if (shown.empty()) {
         return;
     }

@@ -109,6 +109,7 @@ bool WritePicture(const DrawOn& draw, const std::string& path, const PictureOpti
     } else {
         cairo_surface_t* surface = cairo_svg_surface_create_for_stream(
             AppendBytes, &bytes, layout.widthPx, layout.heightPx);
+        cairo_svg_surface_set_document_unit(surface, CAIRO_SVG_UNIT_PX);
         Paint(surface, layout, draw, options);
         cairo_surface_finish(surface);
         status = cairo_surface_status(surface);

@@ -1,0 +1,167 @@
+// The terminal symbols shipped in SYMB2LIB: each is a valid drawing, has exactly one red
+// direction marker, measures to the direction it is drawn in, and marks its text points.
+#include <gtest/gtest.h>
+
+#include <cmath>
+#include <filesystem>
+#include <fstream>
+#include <map>
+#include <set>
+#include <sstream>
+
+#include "TestPaths.h"
+#include "cad/Dxf.h"
+#include "cad/Operations.h"
+#include "cad/render/Render.h"
+#include "cadutil/EntityHelpers.h"
+#include "cadutil/SymbolData.h"
+
+using namespace testing_support;
+
+namespace {
+
+std::filesystem::path LibraryDir() {
+    return CommonResDir() / "SYMB2LIB";
+}
+
+// name -> direction, from the library's list.
+std::map<std::string, int> Listed() {
+    std::map<std::string, int> listed;
+    std::ifstream in(LibraryDir() / "symbols.txt");
+    std::string line;
+    while (std::getline(in, line)) {
+        if (line.empty() || line[0] == '#') {
+            continue;
+        }
+        std::istringstream fields(line);
+        std::string name;
+        int direction = -1;
+        fields >> name >> direction;
+        listed[name] = direction;
+    }
+    return listed;
+}
+
+int DirectionOf(double dx, double dy) {
+    if (std::abs(dx) >= std::abs(dy)) {
+        return dx >= 0 ? 2 : 3;
+    }
+    return dy >= 0 ? 0 : 1;
+}
+
+bool IsMarker(const cad::Entity& e) {
+    const auto* pl = dynamic_cast<const cad::LwPolyline*>(&e);
+    if (!pl || !pl->closed || pl->vertices.size() != 2 || e.color != 1) {
+        return false;
+    }
+    for (const auto& v : pl->vertices) {
+        if (std::abs(v.bulge) - 1 < 0.1) {
+            return true;
+        }
+    }
+    return false;
+}
+
+struct Measure {
+    int markers = 0;
+    cad::Point3d marker;
+    int direction = -1;
+};
+
+// The measuring rule of the drawing settings: the mean of the valid extents centres, and
+// the single marker's offset from it.
+Measure MeasureSymbol(const cad::Database& db) {
+    Measure m;
+    double sx = 0, sy = 0;
+    int n = 0;
+    for (const cad::Entity* e : db.Entities()) {
+        cad::Point3d lo, hi;
+        if (cadutil::EntityExtents(db, *e, lo, hi)) {
+            sx += (lo.x + hi.x) / 2;
+            sy += (lo.y + hi.y) / 2;
+            ++n;
+        }
+        if (IsMarker(*e)) {
+            const auto* pl = static_cast<const cad::LwPolyline*>(e);
+            m.marker = {(pl->vertices[0].x + pl->vertices[1].x) / 2,
+                        (pl->vertices[0].y + pl->vertices[1].y) / 2, 0};
+            ++m.markers;
+        }
+    }
+    const double cx = n ? sx / n : 0, cy = n ? sy / n : 0;
+    if (m.markers == 1) {
+        m.direction = DirectionOf(m.marker.x - cx, m.marker.y - cy);
+    }
+    return m;
+}
+
+}  // namespace
+
+TEST(SymbolLibrary, HoldsTheDefaultsAndTwoChooserPages) {
+    const auto listed = Listed();
+    EXPECT_GE(listed.size(), 25u);
+    for (const char* name :
+         {"SYMB2_S_KTR5", "SYMB2_S_KTR17", "SYMB2_S_KTR211", "SYMB2_S_01", "SYMB2_S_02",
+          "SYMB2_S_03", "SYMB2_S_04", "SYMB2_S_20", "SYMB2_S_210"}) {
+        ASSERT_TRUE(listed.count(name)) << name;
+        EXPECT_TRUE(std::filesystem::exists(LibraryDir() / (std::string(name) + ".dxf")));
+    }
+    for (const char* name : {"SYMB2_S_KTR5", "SYMB2_S_KTR17", "SYMB2_S_KTR211"}) {
+        EXPECT_EQ(listed.at(name), 2) << name << ": the format defaults point right";
+    }
+    std::set<int> directions;
+    for (const auto& [name, direction] : listed) {
+        directions.insert(direction);
+    }
+    EXPECT_EQ(directions.size(), 4u);  // symbols drawn in every direction are measured too
+}
+
+TEST(SymbolLibrary, EverySymbolMeasuresToTheDirectionItIsDrawnIn) {
+    for (const auto& [name, listedDirection] : Listed()) {
+        SCOPED_TRACE(name);
+        std::string error;
+        const auto db = cad::TryReadDxfFile((LibraryDir() / (name + ".dxf")).string(), error);
+        ASSERT_TRUE(db) << error;
+        const Measure m = MeasureSymbol(*db);
+        ASSERT_EQ(m.markers, 1);
+        EXPECT_EQ(m.direction, listedDirection);
+        // What the drawing shows: the lead leaves the insertion point towards the marker.
+        EXPECT_EQ(DirectionOf(m.marker.x, m.marker.y), listedDirection);
+        const double reach = std::hypot(m.marker.x, m.marker.y);
+        EXPECT_GE(reach, 3.5);
+        EXPECT_LE(reach, 6.0);
+        // The first text point, beside the lead, and the second beyond the free end.
+        const auto points = CGetSymbData::PointsOfSpace(*db, db->ModelSpace());
+        ASSERT_EQ(points.size(), 2u);
+        EXPECT_GT(std::hypot(points[1].point.x, points[1].point.y), reach);
+        const cad::Handle layer = db->FindLayer(kTermTextPointLayer);
+        ASSERT_NE(db->Layer(layer), nullptr);
+        EXPECT_LT(db->Layer(layer)->color, 0) << "the text points' layer is off";
+    }
+}
+
+TEST(SymbolLibrary, EveryFilePassesTheIndependentReader) {
+    const auto script = SourceDir() / "tests/cad/check_dxf.py";
+    for (const auto& [name, direction] : Listed()) {
+        std::string out;
+        const int rc = RunCommand(Python() + " " + script.string() + " " +
+                                      (LibraryDir() / (name + ".dxf")).string() + " 2>&1",
+                                  &out);
+        EXPECT_EQ(rc, 0) << name << "\n" << out;
+    }
+}
+
+TEST(SymbolLibrary, EverySymbolRendersWithItsMarkerInRed) {
+    TempDir dir;
+    for (const auto& [name, direction] : Listed()) {
+        const auto db = cad::ReadDxfFile((LibraryDir() / (name + ".dxf")).string());
+        cad::render::RenderOptions options;
+        options.picture.widthPx = 120;
+        std::string error;
+        const auto svg = dir / (name + ".svg");
+        ASSERT_TRUE(cad::render::RenderToFile(*db, svg.string(), options, error)) << error;
+        const std::string text = ReadFile(svg);
+        EXPECT_NE(text.find("fill:rgb(100%,0%,0%)"), std::string::npos) << name;
+        EXPECT_NE(text.find("stroke:rgb(0%,0%,0%)"), std::string::npos) << name;
+    }
+}
