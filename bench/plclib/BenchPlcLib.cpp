@@ -7,8 +7,8 @@
 #include <sqlite3.h>
 
 #include <algorithm>
-#include <chrono>
 #include <cstdio>
+#include <ctime>
 #include <filesystem>
 #include <string>
 #include <vector>
@@ -17,8 +17,6 @@
 #include "plclib/PlcLib.h"
 
 namespace {
-
-using Clock = std::chrono::steady_clock;
 
 const char* kModuleTable =
     "(CODE CHAR(60) NOT NULL,POINTS  CHAR(60),TYPE CHAR(60),DESCRIPTION CHAR(60),RATING "
@@ -116,13 +114,21 @@ size_t PlainLoad(sqlite3* db, std::vector<PlainEntry>& entries) {
     return entries.size();
 }
 
+// CPU time of this thread: the machine is shared, and wall time would count the time other
+// processes held the processor.
+double ThreadSeconds() {
+    timespec now{};
+    clock_gettime(CLOCK_THREAD_CPUTIME_ID, &now);
+    return static_cast<double>(now.tv_sec) + static_cast<double>(now.tv_nsec) * 1e-9;
+}
+
 template <typename F>
 double BestSeconds(int runs, F&& body) {
     double best = 1e30;
     for (int i = 0; i < runs; ++i) {
-        const auto start = Clock::now();
+        const double start = ThreadSeconds();
         body();
-        best = std::min(best, std::chrono::duration<double>(Clock::now() - start).count());
+        best = std::min(best, ThreadSeconds() - start);
     }
     return best;
 }
@@ -137,7 +143,7 @@ void LoadLibraryFigure(const std::filesystem::path& dir) {
     }
     std::vector<PlainEntry> entries;
     double ours = 1e30, baseline = 1e30;
-    for (int round = 0; round < 5; ++round) {  // interleaved, so both see the same cache
+    for (int round = 0; round < 10; ++round) {  // interleaved, so both see the same cache
         ours = std::min(ours, BestSeconds(1, [&] { lib.LoadLibrary(); }));
         baseline = std::min(baseline, BestSeconds(1, [&] { PlainLoad(plain, entries); }));
     }
@@ -147,13 +153,14 @@ void LoadLibraryFigure(const std::filesystem::path& dir) {
                      lib.Entries().size(), entries.size());
         std::exit(1);
     }
-    std::printf("LoadLibrary, 1000 tables / 20000 modules: %.1f ms\n", ours * 1e3);
+    std::printf("LoadLibrary, 1000 tables / 20000 modules: %.1f ms (thread CPU time, best of 10)\n",
+                ours * 1e3);
     std::printf("baseline (plain sqlite3, one pass):       %.1f ms\n", baseline * 1e3);
     std::printf("ratio LoadLibrary / baseline: %.2f (goal <= 1.50)\n\n", ours / baseline);
 }
 
 void LoadTerminalsFigure(const std::filesystem::path& dir) {
-    std::printf("LoadTerminals of one module (16 rows), by module-table size:\n");
+    std::printf("LoadTerminals of one module (16 rows), by module-table size (CPU time):\n");
     double smallest = 0;
     for (int modules : {10, 100, 1000}) {
         const std::string path =

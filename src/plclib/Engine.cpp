@@ -121,8 +121,14 @@ const std::string& QueryResult::Get(size_t row, std::string_view name) const {
 
 // --- Cursor ------------------------------------------------------------------------------
 
+Cursor::Cursor(sqlite3_stmt* statement, sqlite3* db)
+    : statement_(statement), db_(db), columns_(sqlite3_column_count(statement)) {}
+
 Cursor::Cursor(Cursor&& other) noexcept
-    : statement_(other.statement_), db_(other.db_), error_(std::move(other.error_)) {
+    : statement_(other.statement_),
+      db_(other.db_),
+      columns_(other.columns_),
+      error_(std::move(other.error_)) {
     other.statement_ = nullptr;
 }
 
@@ -131,6 +137,7 @@ Cursor& Cursor::operator=(Cursor&& other) noexcept {
         sqlite3_finalize(statement_);
         statement_ = other.statement_;
         db_ = other.db_;
+        columns_ = other.columns_;
         error_ = std::move(other.error_);
         other.statement_ = nullptr;
     }
@@ -179,12 +186,9 @@ std::string_view Cursor::TextView(int index) const {
     if (!statement_ || index < 0 || index >= ColumnCount()) {
         return {};
     }
+    // Library text holds no NUL, so the length is found without a second engine call.
     const auto* text = sqlite3_column_text(statement_, index);
-    if (!text) {
-        return {};
-    }
-    return {reinterpret_cast<const char*>(text),
-            static_cast<size_t>(sqlite3_column_bytes(statement_, index))};
+    return text ? std::string_view(reinterpret_cast<const char*>(text)) : std::string_view();
 }
 
 std::string Cursor::Text(int index) const {

@@ -51,9 +51,10 @@ public:
 
 private:
     friend class Connection;
-    Cursor(sqlite3_stmt* statement, sqlite3* db) : statement_(statement), db_(db) {}
+    Cursor(sqlite3_stmt* statement, sqlite3* db);
     sqlite3_stmt* statement_ = nullptr;
     sqlite3* db_ = nullptr;
+    int columns_ = 0;  // asked once: every call into the engine takes its mutex
     std::string error_;
 };
 

@@ -142,23 +142,41 @@ bool CPlcLib::LoadLibrary() {
     if (!EnsureOpen()) {
         return false;
     }
-    auto rows = ReadTypeRows(*connection_);
-    if (!rows || rows->empty()) {
+    // The type rows are walked while the module tables are read, as one pass: the open
+    // query also keeps the file's read lock for the whole load instead of once per table.
+    std::string error;
+    auto cursor = connection_->Select("Select * from PLC_MANUFACTURER", error);
+    if (!cursor) {
+        plcdb::ReportDatabaseError(error);
         return false;
     }
-    for (auto& row : *rows) {
-        if (row.manufacturer.empty()) {
+    const int m = cursor->Column("MANUFACTURER");
+    const int s = cursor->Column("SERIES");
+    const int t = cursor->Column("TYPE");
+    const int n = cursor->Column("TABLE_NAME");
+    bool anyRow = false;
+    while (cursor->Next()) {
+        anyRow = true;
+        std::string manufacturer = Trim(cursor->TextView(m));
+        if (manufacturer.empty()) {
             continue;
         }
-        if (row.table.empty()) {
-            entries_.push_back(
-                std::make_unique<CPlcPartData>(row.manufacturer, row.series, row.type));
+        std::string series = Trim(cursor->TextView(s));
+        std::string type = Trim(cursor->TextView(t));
+        const std::string table = Trim(cursor->TextView(n));
+        if (table.empty()) {
+            entries_.push_back(std::make_unique<CPlcPartData>(std::move(manufacturer),
+                                                              std::move(series), std::move(type)));
         } else {
             // A table that cannot be read was reported; its type shows without modules.
-            AppendModules(row.manufacturer, row.series, row.type, row.table);
+            AppendModules(manufacturer, series, type, table);
         }
     }
-    return true;
+    if (!cursor->Error().empty()) {
+        plcdb::ReportDatabaseError(cursor->Error());
+        return false;
+    }
+    return anyRow;
 }
 
 bool CPlcLib::AppendModules(const std::string& manufacturer, const std::string& series,

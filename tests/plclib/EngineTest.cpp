@@ -23,18 +23,6 @@ TEST(AccessSqlTranslation, RewritesOnlyOutsideLiterals) {
               "DELETE FROM T WHERE A='a'' [b]'");
 }
 
-TEST(AccessSqlTranslation, MapsColumnTypesOfCreateTable) {
-    const std::string sql = TranslateAccessSql(
-        "Create TABLE X (A CHAR(60) NOT NULL,B int NOT NULL,C MEMO,D TEXT,E REAL,"
-        "primary key(A,B))");
-    EXPECT_NE(sql.find("A TEXT COLLATE NOCASE CONSTRAINT"), std::string::npos) << sql;
-    EXPECT_NE(sql.find("CHECK(length(\"A\")<=60) NOT NULL"), std::string::npos) << sql;
-    EXPECT_NE(sql.find("B INTEGER NOT NULL"), std::string::npos) << sql;
-    EXPECT_NE(sql.find("C TEXT COLLATE NOCASE,"), std::string::npos) << sql;
-    EXPECT_NE(sql.find("<=255"), std::string::npos) << sql;
-    EXPECT_NE(sql.find("E REAL,primary key(A,B))"), std::string::npos) << sql;
-}
-
 class EngineTest : public LibraryTest {
 protected:
     std::unique_ptr<plcdb::Connection> OpenModuleLibrary() {
@@ -131,19 +119,6 @@ TEST_F(EngineTest, KeepsTheRollbackJournal) {
     auto mode = db.Query("PRAGMA journal_mode", error);
     ASSERT_TRUE(mode);
     EXPECT_EQ(mode->rows.at(0).at(0), "delete");
-}
-
-TEST_F(EngineTest, TwoConnectionsOnOneFileBothReadAndWrite) {
-    const auto path = MakeLibrary({});
-    plcdb::Connection first, second;
-    std::string error;
-    ASSERT_TRUE(first.Open(path, error)) << error;
-    ASSERT_TRUE(second.Open(path, error)) << error;
-    ASSERT_TRUE(first.Execute("INSERT INTO PLC_MANUFACTURER VALUES ('A','','','')", error));
-    ASSERT_TRUE(second.Execute("INSERT INTO PLC_MANUFACTURER VALUES ('B','','','')", error));
-    auto seen = first.Query("Select * from PLC_MANUFACTURER", error);
-    ASSERT_TRUE(seen);
-    EXPECT_EQ(seen->RowCount(), 2u);
 }
 
 // Files that are no library: each is refused on open with a reason naming the file.
