@@ -219,7 +219,8 @@ TEST_F(SettingsFileTest, ShortFormReadsAsAFileWithoutLabels) {
 
 TEST_F(SettingsFileTest, WindowsFileInGb18030WithCrLfReadsTheSame) {
     const std::string text =
-        "端子B名称:符号乙\n端子B方向:1\n类型B宽度:15\n端子B长度:2.5\n元件类型:2\n"
+        "端子B路径:\\SYMB2LIB\\符号乙.DWG\n端子B名称:符号乙\n端子B方向:1\n类型B宽度:15\n端子B长度:"
+        "2.5\n元件类型:2\n"
         "标注框架号:FALSE\n端子间隔距离:12.5\n";
     WriteSettings(text);
     const PlcDrawSettings fromUtf8 = Loaded();
@@ -227,6 +228,7 @@ TEST_F(SettingsFileTest, WindowsFileInGb18030WithCrLfReadsTheSame) {
     const PlcDrawSettings fromWindows = Loaded();
     EXPECT_EQ(fromWindows.termSymbolName, "符号乙");
     EXPECT_EQ(fromWindows.termSymbolName, fromUtf8.termSymbolName);
+    EXPECT_EQ(fromWindows.termSymbolPath, Common() + "SYMB2LIB/符号乙.dxf");
     EXPECT_EQ(fromWindows.componentType, 2);
     EXPECT_EQ(fromWindows.termDirection, 1);
     EXPECT_FLOAT_EQ(fromWindows.typeWidth, 15.0f);

@@ -1,5 +1,6 @@
 #include "draw/settings/SettingsFile.h"
 
+#include <algorithm>
 #include <filesystem>
 
 #include "draw/settings/SettingsText.h"
@@ -71,7 +72,19 @@ std::string ResolveStoredSymbolPath(const std::string& stored) {
     if (!stored.empty() && std::filesystem::is_regular_file(stored, ec)) {
         return stored;
     }
-    return suite::PathJoin(suite::GetZandrixCommonResInstallPath(), stored);
+    // A file written by the Windows suite names its drawings with backslashes and ".dwg";
+    // here the same drawing is the ".dxf" of that name.
+    std::string path = suite::NativePath(stored);
+    constexpr std::string_view kDwg = ".dwg";
+    if (path.size() >= kDwg.size()) {
+        std::string ext = path.substr(path.size() - kDwg.size());
+        std::transform(ext.begin(), ext.end(), ext.begin(),
+                       [](unsigned char c) { return static_cast<char>(std::tolower(c)); });
+        if (ext == kDwg) {
+            path.replace(path.size() - kDwg.size(), kDwg.size(), ".dxf");
+        }
+    }
+    return suite::PathJoin(suite::GetZandrixCommonResInstallPath(), path);
 }
 
 std::optional<std::vector<std::string>> ReadSettingLines() {

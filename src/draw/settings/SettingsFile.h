@@ -57,7 +57,8 @@ FormatTerminal DefaultFormatTerminal(int format);
 std::string SymbolPathFor(std::string_view name);
 // Common resource folder + Data/PLCType_A.dxf, _B or _C.
 std::string FormatPreviewPath(int format);
-// A stored path that names no existing file is taken as relative to the common folder.
+// A stored path that names no existing file is taken as relative to the common folder (a
+// Windows path "\SYMB2LIB\X.dwg" becoming "SYMB2LIB/X.dxf" there).
 std::string ResolveStoredSymbolPath(const std::string& stored);
 
 // The file's lines; empty optional when it cannot be opened.
