@@ -230,9 +230,13 @@ TEST_F(SheetTest, TerminalSettingsChecksStopAtTheFirstFailure) {
         3, "符号SYMB2_S_01对应库文件" + Common() + "SYMB2LIB/Gone.dxf已被破坏,请选择另外的符号！");
     EXPECT_EQ(ReadSettings(), "元件类型:1\n");  // nothing written by a refused OK
 
+    // The symbol file exists but is no drawing: nothing is measured, the given values stay.
     dialog.termPath = path;
     dialog.termDirection = 3;
     dialog.termLength = 2.5f;
+    dialog.OnInitDialog();
+    EXPECT_EQ(dialog.termDirection, 3);
+    EXPECT_EQ(dialog.directionSelection, 3);
     EXPECT_TRUE(dialog.OnOK());
     EXPECT_EQ(recorder.messages.size(), 4u);
     EXPECT_EQ(ReadSettings(), path + "\nSYMB2_S_01\n3\n10\n2.500000\n");
