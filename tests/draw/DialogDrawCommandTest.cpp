@@ -1,0 +1,116 @@
+// qvplc draw end to end: the built program draws into real DXF files, which Debian's ezdxf
+// then reads independently.
+#include <gtest/gtest.h>
+
+#include "DialogTestSupport.h"
+
+using dialog_test::DialogEnvironment;
+using testing_support::ReadFile;
+using testing_support::RunCommand;
+using testing_support::WriteFile;
+
+namespace {
+
+const char* kModule = "Alpha/S1/DI/DI-16A";  // 7 terminals
+
+class DrawCommandTest : public ::testing::Test {
+protected:
+    void SetUp() override {
+        if (!env.realSymbol) {
+            GTEST_SKIP() << "the terminal symbols are not built";
+        }
+        drawing = (env.LocalDir() / "cabinet.dxf").string();
+    }
+    int Draw(const std::string& options, std::string* output = nullptr) {
+        const std::string qvplc = (testing_support::BinaryDir() / "bin" / "qvplc").string();
+        return RunCommand(qvplc + " draw " + options, output ? output : &lastOutput);
+    }
+    // Counts what ezdxf finds in the model space: "<inserts of the symbol> <mtexts with TAG>".
+    std::string Census(const std::string& tag) {
+        const std::string script =
+            "import ezdxf,sys\n"
+            "doc=ezdxf.readfile(sys.argv[1])\n"
+            "msp=doc.modelspace()\n"
+            "ins=[e for e in msp if e.dxftype()=='INSERT' and e.dxf.name=='SYMB2_S_KTR5']\n"
+            "tags=[e for e in msp if e.dxftype()=='MTEXT' and e.text==sys.argv[2]]\n"
+            "print(len(ins), len(tags))\n";
+        const auto scriptPath = env.LocalDir() / "census.py";
+        WriteFile(scriptPath, script);
+        std::string output;
+        const int status = RunCommand(
+            testing_support::Python() + " " + scriptPath.string() + " " + drawing + " " + tag,
+            &output);
+        EXPECT_EQ(status, 0) << output;
+        return output.substr(0, output.find('\n'));
+    }
+    DialogEnvironment env;
+    std::string drawing;
+    std::string lastOutput;
+};
+
+}  // namespace
+
+TEST_F(DrawCommandTest, CreatesTheDrawingAndAddsToItWithoutLosingAnything) {
+    ASSERT_EQ(Draw(std::string("'") + kModule + "' --tag A1 --at 0,0 --drawing " + drawing), 0)
+        << lastOutput;
+    EXPECT_EQ(Census("A1"), "7 1");
+    ASSERT_EQ(Draw(std::string("'") + kModule + "' --tag A2 --terminals 1-2,5 --at 200,0 " +
+                   "--drawing " + drawing),
+              0)
+        << lastOutput;
+    EXPECT_EQ(Census("A1"), "10 1");
+    EXPECT_EQ(Census("A2"), "10 1");
+}
+
+TEST_F(DrawCommandTest, DividedDrawingTakesItsPiecesFromTheOptions) {
+    // p = 10: the first piece holds (60 - 10) / 10 = 5 places, the second the other two.
+    ASSERT_EQ(Draw(std::string("'") + kModule + "' --tag A3 --pieces 0,0:60,0 " +
+                   "--pieces 0,-50:40,-50 --drawing " + drawing),
+              0)
+        << lastOutput;
+    EXPECT_EQ(Census("A3"), "7 1");
+}
+
+TEST_F(DrawCommandTest, TooFewPiecesWriteNothing) {
+    EXPECT_EQ(
+        Draw(std::string("'") + kModule + "' --tag A3 --pieces 0,0:40,0 --drawing " + drawing), 4)
+        << lastOutput;
+    EXPECT_FALSE(std::filesystem::exists(drawing));
+}
+
+TEST_F(DrawCommandTest, MalformedDrawingIsReportedAndLeftUntouched) {
+    const std::string broken = "0\nSECTION\n2\nENTITIES\n0\nLINE\n10\nnot-a-number\n";
+    WriteFile(drawing, broken);
+    EXPECT_EQ(Draw(std::string("'") + kModule + "' --tag A1 --at 0,0 --drawing " + drawing), 3);
+    EXPECT_NE(lastOutput.find(drawing), std::string::npos) << lastOutput;
+    EXPECT_EQ(ReadFile(drawing), broken);
+}
+
+TEST_F(DrawCommandTest, RefusalsOfTheDialogAndBadOptionsNameTheProblem) {
+    EXPECT_EQ(Draw(std::string("'") + kModule + "' --tag ' - ' --at 0,0 --drawing " + drawing), 1);
+    EXPECT_NE(lastOutput.find("请输入标号"), std::string::npos) << lastOutput;
+    EXPECT_EQ(
+        Draw(std::string("'") + kModule + "' --tag A1 --terminals 9 --at 0,0 --drawing " + drawing),
+        1);
+    EXPECT_NE(lastOutput.find("sequence 9"), std::string::npos) << lastOutput;
+    EXPECT_EQ(Draw("Alpha/S1/DI/NOPE --tag A1 --at 0,0 --drawing " + drawing), 1);
+    EXPECT_NE(lastOutput.find("Alpha/S1/DI/NOPE"), std::string::npos) << lastOutput;
+    EXPECT_FALSE(std::filesystem::exists(drawing));
+
+    EXPECT_EQ(Draw(std::string("'") + kModule + "' --tag A1 --at 0,0 --pieces 0,0:9,9 " +
+                   "--drawing " + drawing),
+              2);
+    EXPECT_EQ(Draw(std::string("'") + kModule + "' --tag A1 --at '0;0' --drawing " + drawing), 2);
+    EXPECT_NE(lastOutput.find("0;0"), std::string::npos) << lastOutput;
+    EXPECT_EQ(
+        Draw(std::string("'") + kModule + "' --tag A1 --pattern 107 --at 0,0 --drawing " + drawing),
+        2);
+    EXPECT_EQ(Draw("Alpha/S1/DI-16A --tag A1 --at 0,0 --drawing " + drawing), 2);
+}
+
+TEST_F(DrawCommandTest, HelpTeachesTheOptionsWithExamples) {
+    ASSERT_EQ(Draw("--help"), 0);
+    for (const char* text : {"--pieces", "--at", "--pattern", "--terminals", "Examples:"}) {
+        EXPECT_NE(lastOutput.find(text), std::string::npos) << text;
+    }
+}
