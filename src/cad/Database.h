@@ -83,14 +83,16 @@ public:
     Handle Table(const std::string& tableName) const;  // the table head, e.g. "LAYER"
     Handle FindRecord(const std::string& tableName, std::string_view name) const;  // any case
 
-    Handle FindLayer(std::string_view name) const { return FindRecord("LAYER", name); }
+    Handle FindLayer(std::string_view name) const { return FindTyped<LayerRecord>("LAYER", name); }
     Handle AddLayer(const std::string& name, int color = 7);  // the existing one if present
     LayerRecord* Layer(Handle h) { return Get<LayerRecord>(h); }
     const LayerRecord* Layer(Handle h) const { return Get<LayerRecord>(h); }
     Handle CurrentLayer() const { return currentLayer_; }
     void SetCurrentLayer(Handle layer);
 
-    Handle FindTextStyle(std::string_view name) const { return FindRecord("STYLE", name); }
+    Handle FindTextStyle(std::string_view name) const {
+        return FindTyped<TextStyleRecord>("STYLE", name);
+    }
     Handle AddTextStyle(const std::string& name, const std::string& font = "txt",
                         const std::string& bigFont = "");
     TextStyleRecord* TextStyle(Handle h) { return Get<TextStyleRecord>(h); }
@@ -98,15 +100,19 @@ public:
     Handle CurrentTextStyle() const { return currentStyle_; }
     void SetCurrentTextStyle(Handle style);
 
-    Handle FindLinetype(std::string_view name) const { return FindRecord("LTYPE", name); }
+    Handle FindLinetype(std::string_view name) const {
+        return FindTyped<LinetypeRecord>("LTYPE", name);
+    }
 
     // Application names of extended data. Registering an existing name returns its record.
-    Handle FindApp(std::string_view name) const { return FindRecord("APPID", name); }
+    Handle FindApp(std::string_view name) const { return FindTyped<AppIdRecord>("APPID", name); }
     Handle RegisterApp(const std::string& name);
     std::string AppName(Handle app) const;  // "" for an unknown handle
 
     // ---- blocks
-    Handle FindBlock(std::string_view name) const { return FindRecord("BLOCK_RECORD", name); }
+    Handle FindBlock(std::string_view name) const {
+        return FindTyped<BlockRecord>("BLOCK_RECORD", name);
+    }
     // A new empty block; the existing one (emptied of nothing) when the name is taken.
     Handle DefineBlock(const std::string& name, const Point3d& basePoint = {});
     BlockRecord* Block(Handle h) { return Get<BlockRecord>(h); }
@@ -168,6 +174,11 @@ public:
 
 private:
     void CreateDefaults();
+    template <class T>
+    Handle FindTyped(const std::string& tableName, std::string_view name) const {
+        const Handle h = FindRecord(tableName, name);
+        return Get<T>(h) != nullptr ? h : kNullHandle;
+    }
 
     std::unordered_map<Handle, std::unique_ptr<DbObject>> objects_;
     Handle nextHandle_ = 1;

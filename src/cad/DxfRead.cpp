@@ -209,16 +209,28 @@ Parsed Reader::Parse(const Record& rec, bool splitXData) const {
 // ---- sections
 
 std::unique_ptr<Database> Reader::Run() {
-    Record rec;
-    while (ReadRecord(rec)) {
-        if (rec.type == "EOF") {
+    RawTag t;
+    while (tok_.Next(t)) {
+        if (t.code != 0) {
+            tok_.Fail(t.line, "group code 0 expected, found " + std::to_string(t.code), t.value);
+        }
+        const std::string_view type = Trim(t.value);
+        if (type == "EOF") {
             sawEof_ = true;
             break;
         }
-        if (rec.type != "SECTION") {
-            tok_.Fail(rec.line, "SECTION expected", rec.type);
+        if (type != "SECTION") {
+            tok_.Fail(t.line, "SECTION expected", t.value);
         }
-        Section(rec);
+        // The section's name only: a HEADER's variables follow without a group code 0.
+        Record head;
+        head.type = type;
+        head.line = t.line;
+        RawTag name;
+        if (tok_.Next(name)) {
+            head.tags.push_back(name);
+        }
+        Section(head);
     }
     if (!sawEof_) {
         tok_.Fail(tok_.Line(), "the file ends without EOF (truncated?)");
@@ -256,20 +268,22 @@ void Reader::Section(const Record& head) {
 }
 
 void Reader::RawSection(TagList& out, const char* name, long line) {
-    Record rec;
+    RawTag t;
     for (;;) {
-        if (!ReadRecord(rec)) {
-            tok_.Fail(line, std::string("section ") + name + " is not terminated by ENDSEC");
+        if (!tok_.Next(t)) {
+            tok_.Fail(tok_.Line(), std::string("section ") + name + " is not terminated by ENDSEC");
         }
-        if (rec.type == "ENDSEC") {
-            return;
+        if (t.code == 0) {
+            const std::string_view type = Trim(t.value);
+            if (type == "ENDSEC") {
+                return;
+            }
+            if (type == "EOF" || type == "SECTION") {
+                tok_.Fail(t.line, std::string("section ") + name + " is not terminated by ENDSEC",
+                          t.value);
+            }
         }
-        if (rec.type == "EOF" || rec.type == "SECTION") {
-            tok_.Fail(rec.line, std::string("section ") + name + " is not terminated by ENDSEC",
-                      rec.type);
-        }
-        out.push_back({0, Text(rec.type)});
-        KeepAll(rec.tags, out);
+        out.push_back(Keep(t));
     }
 }
 

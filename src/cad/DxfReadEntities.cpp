@@ -90,7 +90,27 @@ Handle Reader::StyleNamed(const std::string& name) {
     return h;
 }
 
+namespace {
+
+// Names that structure a file and can never be an entity or object of its own.
+bool IsStructural(std::string_view type) {
+    return type.empty() || type == "BLOCK" || type == "ENDBLK" || type == "TABLE" ||
+           type == "ENDTAB" || type == "CLASS" || type == "SECTION" || type == "ENDSEC" ||
+           type == "EOF";
+}
+
+}  // namespace
+
+void Reader::CheckType(const Record& rec, const char* section) const {
+    if (IsStructural(rec.type)) {
+        const std::string what = rec.type.empty() ? "an object without a type name"
+                                                  : "misplaced " + std::string(rec.type);
+        tok_.Fail(rec.line, what + " in section " + section, rec.type);
+    }
+}
+
 void Reader::EntityRecord(const Record& rec, Handle space) {
+    CheckType(rec, space == kNullHandle ? "ENTITIES" : "BLOCKS");
     Parsed p = Parse(rec);
     std::unique_ptr<Entity> e = BuildEntity(rec, p);
     e->handle = Claim(p.handle, rec);
@@ -110,9 +130,10 @@ void Reader::EntityRecord(const Record& rec, Handle space) {
             }
         }
         const auto* block = db_->Block(p.owner);
-        space = block != nullptr ? p.owner
-                : paper          ? db_->FindBlock("*Paper_Space")
-                                 : db_->FindBlock("*Model_Space");
+        const bool layout = block != nullptr && (block->IsModelSpace() || block->IsPaperSpace());
+        space = layout  ? p.owner
+                : paper ? db_->FindBlock("*Paper_Space")
+                        : db_->FindBlock("*Model_Space");
     }
     Place(std::move(e), space, rec);
 }

@@ -63,6 +63,11 @@ void Reader::TableRecordOf(const Record& rec, SymbolTable& table) {
     Parsed p = Parse(rec, false);
     std::unique_ptr<TableRecord> record;
     const std::string type(rec.type);
+    if (type != table.name) {
+        Repair("line " + std::to_string(rec.line) + ": a " + type + " inside table " + table.name +
+               " was dropped");
+        return;
+    }
     if (type == "LAYER") {
         record = std::make_unique<LayerRecord>();
     } else if (type == "STYLE") {
@@ -234,6 +239,7 @@ void Reader::Objects(long line) {
         if (rec.type == "EOF" || rec.type == "SECTION") {
             tok_.Fail(rec.line, "section OBJECTS is not terminated by ENDSEC", rec.type);
         }
+        CheckType(rec, "OBJECTS");
         Parsed p = Parse(rec, false);
         std::unique_ptr<DbObject> object;
         if (rec.type == "DICTIONARY") {

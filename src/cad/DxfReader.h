@@ -64,6 +64,7 @@ private:
     void Finish();
 
     // entities
+    void CheckType(const Record& rec, const char* section) const;
     void EntityRecord(const Record& rec, Handle space);
     std::unique_ptr<Entity> BuildEntity(const Record& rec, Parsed& p);
     bool TakeCommon(Entity& e, const RawTag& t);

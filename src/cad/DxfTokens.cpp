@@ -1,5 +1,6 @@
 #include "cad/DxfTokens.h"
 
+#include <algorithm>
 #include <cstring>
 
 #include "cad/NumberText.h"
@@ -38,8 +39,11 @@ Tokenizer::Tokenizer(std::string_view data, std::string fileName)
         Fail(1, "this is not a DXF file (it looks like an image, PDF or archive)",
              head.substr(0, 4));
     }
-    if (std::memchr(data.data(), '\0', std::min<std::size_t>(data.size(), 4096)) != nullptr) {
-        Fail(1, "this is not a text file (it holds NUL bytes)");
+    if (const void* nul = std::memchr(data.data(), '\0', data.size())) {
+        const auto at = static_cast<std::size_t>(static_cast<const char*>(nul) - data.data());
+        const long line = 1 + static_cast<long>(std::count(
+                                  data.begin(), data.begin() + static_cast<long>(at), '\n'));
+        Fail(line, "this is not a DXF text file (it holds NUL bytes)");
     }
 }
 

@@ -46,16 +46,28 @@ Writer::Writer(const Database& db, DxfVersion version, TagSink& sink)
         version >= DxfVersion::R2007 ? "UTF-8" : CodepageCharset(db.HeaderString("$DWGCODEPAGE"));
 }
 
+namespace {
+
+bool HasControl(std::string_view s) {
+    for (unsigned char c : s) {
+        if (c < 0x20 && c != '\t') {
+            return true;
+        }
+    }
+    return false;
+}
+
+}  // namespace
+
 void Writer::Str(int code, std::string_view value) {
-    const bool plain = IsAscii(value) && value.find_first_of("\r\n") == std::string_view::npos;
-    if (plain) {
+    if (IsAscii(value) && !HasControl(value)) {
         sink_.Put(code, value);
         return;
     }
     std::string v = EncodeText(value, charset_);
     for (char& c : v) {
-        if (c == '\r' || c == '\n') {
-            c = ' ';  // a line break inside a value would end it
+        if (static_cast<unsigned char>(c) < 0x20 && c != '\t') {
+            c = ' ';  // a line break (or any control byte) inside a value would break the file
         }
     }
     sink_.Put(code, v);

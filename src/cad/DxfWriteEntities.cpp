@@ -237,7 +237,7 @@ void Writer::MTextBody(const cad::MText& t) {
     Raw(72, "1");
     std::string encoded = EncodeText(t.contents, charset_);
     for (char& c : encoded) {
-        if (c == '\r' || c == '\n') {
+        if (static_cast<unsigned char>(c) < 0x20 && c != '\t') {
             c = ' ';
         }
     }

@@ -40,10 +40,14 @@ Matrix3d BlockTransform(const Database& db, const BlockReference& ref);
 // texts and block references keeps them what they are (radius and heights scale by the
 // mean of the X and Y factors). False for unmodelled entities.
 bool TransformEntity(Entity& entity, const Matrix3d& m);
+// The same for an entity of a database; a block reference's attributes move with it.
+bool TransformEntity(Database& db, Handle entity, const Matrix3d& m);
 
 // Replaces a block reference by copies of its block's entities (and its attributes as
 // texts), transformed, appended to the reference's owner space; nested references are
-// exploded too. The reference is erased. Returns the handles of the new entities.
+// exploded too. Entities on layer "0" take the reference's layer and ByBlock colours its
+// colour; attribute definitions and unmodelled entities are left out. The reference is
+// erased. Returns the handles of the new entities.
 std::vector<Handle> ExplodeReference(Database& db, Handle reference);
 // Explodes every block reference in a space; returns how many were exploded.
 int ExplodeAllReferences(Database& db, Handle space = kNullHandle);

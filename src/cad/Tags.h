@@ -11,6 +11,8 @@ namespace cad {
 struct Tag {
     int code = 0;
     std::string value;  // UTF-8; numbers already in C-locale text
+
+    bool operator==(const Tag&) const = default;
 };
 
 using TagList = std::vector<Tag>;
