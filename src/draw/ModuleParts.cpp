@@ -1,0 +1,390 @@
+#include "draw/ModuleParts.h"
+
+#include <algorithm>
+#include <cmath>
+#include <memory>
+
+#include "cad/Dxf.h"
+#include "cad/Operations.h"
+#include "cadutil/BlockHelpers.h"
+#include "cadutil/EntityHelpers.h"
+#include "cadutil/SymbolData.h"
+#include "draw/AworkSettings.h"
+#include "draw/DlgPlcRendal.h"
+#include "draw/ModuleDrawing.h"
+#include "host/Host.h"
+
+namespace draw {
+namespace {
+
+bool Contains(const std::string& text, std::string_view part) {
+    return text.find(part) != std::string::npos;
+}
+
+// The outward normal of a side: the direction a terminal's lead leaves the body.
+cad::Vector3d Outward(Side side) {
+    switch (side) {
+        case Side::Upper:
+            return {0, 1, 0};
+        case Side::Lower:
+            return {0, -1, 0};
+        case Side::Right:
+            return {1, 0, 0};
+        case Side::Left:
+            return {-1, 0, 0};
+    }
+    return {0, 1, 0};
+}
+
+bool IsVerticalSide(Side side) {
+    return side == Side::Right || side == Side::Left;
+}
+
+struct TextSpec {
+    cad::Point3d at;  // module coordinates
+    double height = 2.0;
+    double rotation = 0;
+    cad::TextHorz horz = cad::TextHorz::Middle;
+    cad::TextVert vert = cad::TextVert::Baseline;
+    int color = 2;
+};
+
+cad::Text* AddText(DrawContext& ctx, const std::string& content, const TextSpec& spec) {
+    auto text = std::make_unique<cad::Text>();
+    text->text = content;
+    text->height = spec.height;
+    text->rotation = spec.rotation;
+    text->widthFactor = 0.8;
+    text->horizontal = spec.horz;
+    text->vertical = spec.vert;
+    text->color = static_cast<std::int16_t>(spec.color);
+    text->layer = ctx.layer;
+    text->SetAnchor(ctx.At(spec.at.x, spec.at.y));
+    cad::Text* raw = text.get();
+    ctx.db.Append(std::move(text));
+    return raw;
+}
+
+cad::MText* AddMText(DrawContext& ctx, const std::string& content, const cad::Point3d& at,
+                     double height, int attachment, double rotation) {
+    auto mtext = std::make_unique<cad::MText>();
+    mtext->contents = content;
+    mtext->position = ctx.At(at.x, at.y);
+    mtext->height = height;
+    mtext->attachment = attachment;
+    mtext->rotation = rotation;
+    mtext->layer = ctx.layer;
+    cad::MText* raw = mtext.get();
+    ctx.db.Append(std::move(mtext));
+    return raw;
+}
+
+// Extents of a placed symbol reference; an empty box at its position when it measures
+// nothing.
+struct Measured {
+    cad::Point3d min, max;
+    cad::Vector3d Size() const { return {std::abs(max.x - min.x), std::abs(max.y - min.y), 0}; }
+};
+
+Measured MeasureReference(const cad::Database& db, cad::Handle ref, const cad::Point3d& at) {
+    Measured m{at, at};
+    if (!cadutil::BlockReferenceExtents(db, ref, m.min, m.max)) {
+        m = Measured{at, at};
+    }
+    return m;
+}
+
+// How far a cell's symbol must move out so that its inner end stands on the cell's outer
+// edge: for a symbol that lies wholly inside the edge after insertion this is its measured
+// height (width on the vertical sides); a symbol whose base point sits elsewhere is brought
+// to the edge all the same.
+double ShiftOntoEdge(Side side, const Measured& m, const cad::Point3d& edge) {
+    switch (side) {
+        case Side::Upper:
+            return edge.y - m.min.y;
+        case Side::Lower:
+            return m.max.y - edge.y;
+        case Side::Right:
+            return edge.x - m.min.x;
+        case Side::Left:
+            return m.max.x - edge.x;
+    }
+    return 0;
+}
+
+// The cell of a terminal in the cell style: pitch long along the edge, 5 across it.
+std::vector<cad::Point3d> CellCorners(const cad::Point3d& c, double pitch, bool vertical) {
+    const double along = pitch / 2, across = 2.5;
+    if (vertical) {
+        return {{c.x - across, c.y + along},
+                {c.x - across, c.y - along},
+                {c.x + across, c.y - along},
+                {c.x + across, c.y + along}};
+    }
+    return {{c.x - along, c.y - across},
+            {c.x + along, c.y - across},
+            {c.x + along, c.y + across},
+            {c.x - along, c.y + across}};
+}
+
+// Texts of a terminal in the frame styles: the number inside the body, the description
+// outside, both set off from the edge by the symbol's measured size.
+void FrameTexts(Side side, const cad::Point3d& edge, const cad::Vector3d& size, TextSpec& number,
+                TextSpec& desc) {
+    const cad::Vector3d out = Outward(side);
+    const bool vertical = IsVerticalSide(side);
+    const double s = vertical ? std::max(size.x, size.y) : size.y;
+    number.at = edge - out * (s + 0.8);
+    desc.at = edge + out * (s + 0.5);
+    number.rotation = desc.rotation = vertical ? kAngleMinus90 : kAngle90;
+    desc.vert =
+        (side == Side::Upper || side == Side::Right) ? cad::TextVert::Top : cad::TextVert::Baseline;
+}
+
+// Texts of a terminal in the cell style: the number in the middle of its cell. The symbol
+// stands outside the cell, so the description goes beyond the symbol's far end, set off by
+// its own height and hanging away from the body (top anchored on the upper and right
+// sides, bottom anchored on the lower and left ones).
+void CellTexts(Side side, const cad::Point3d& centre, const cad::Vector3d& size, TextSpec& number,
+               TextSpec& desc) {
+    const cad::Vector3d out = Outward(side);
+    const bool vertical = IsVerticalSide(side);
+    const double s = vertical ? size.x : size.y;
+    number.at = centre;
+    number.horz = desc.horz = cad::TextHorz::Center;
+    number.vert = cad::TextVert::Middle;
+    desc.height = 1.5;
+    desc.color = 4;
+    desc.at = centre + out * (2.5 + s + 0.5 + desc.height);
+    desc.vert =
+        (side == Side::Upper || side == Side::Right) ? cad::TextVert::Top : cad::TextVert::Bottom;
+    number.rotation = desc.rotation = vertical ? kAngle270 : 0.0;
+}
+
+// The first terminal-text point a symbol's designer marked, in world coordinates.
+bool FirstTextPoint(const cad::Database& db, cad::Handle ref, cad::Point3d& point) {
+    std::vector<STRUCT_TERMTEXTPOINT> points;
+    if (!CGetSymbData().GetTermTextPoints(db, ref, points) || points.empty()) {
+        return false;
+    }
+    point = points.front().point;
+    return true;
+}
+
+void Link(cad::Database& db, cad::Handle from, const char* app, cad::Handle to) {
+    cadutil::AppendXDataItem(db, from, app, cad::XDataItem::HandleRef(to));
+}
+
+}  // namespace
+
+DrawingSession::DrawingSession(CDlgPlcRendal& dlg) : dlg_(dlg) {
+    dlg_.drawActive = 1;
+    dlg_.drawBusy = true;
+}
+
+DrawingSession::~DrawingSession() {
+    dlg_.drawBusy = false;
+    // The next run of either drawing command finds reshowPending and only shows the dialog.
+    dlg_.reshowPending = true;
+    host::Current().SendCommandString("(Command)\nRendalFull\n");
+}
+
+double SymbolRotation(int termDirection, Side side) {
+    static constexpr double kTable[4][4] = {
+        // upper, lower, right, left
+        {0.0, kAngle180, kAngleMinus90, kAngle90},
+        {kAngle180, 0.0, kAngle90, kAngleMinus90},
+        {kAngle90, kAngleMinus90, 0.0, kAngle180},
+        {kAngleMinus90, kAngle90, kAngle180, 0.0},
+    };
+    if (termDirection < 0 || termDirection > 3) {
+        return 0.0;
+    }
+    return kTable[termDirection][static_cast<int>(side)];
+}
+
+TermLists CollectModuleTerminals(const ListModel& list, int orientation) {
+    TermLists lists;
+    const char* first = orientation == 0 ? "上" : "右";
+    const char* second = orientation == 0 ? "下" : "左";
+    for (int row = 0; row < list.Count(); ++row) {
+        const int image = list.StateImage(row);
+        if (image == 0 || image == 3) {
+            continue;
+        }
+        const std::string& side = list.Text(row, kColDirection);
+        if (Contains(side, first)) {
+            lists.first.push_back(row);
+        } else if (Contains(side, second)) {
+            lists.second.push_back(row);
+        }
+    }
+    return lists;
+}
+
+TermLists CollectDividedTerminals(const ListModel& list) {
+    TermLists lists;
+    for (int row = 0; row < list.Count(); ++row) {
+        const int image = list.StateImage(row);
+        if (image == 0 || image == 3) {
+            continue;
+        }
+        const std::string& side = list.Text(row, kColDirection);
+        if (Contains(side, "上") || Contains(side, "右")) {
+            lists.first.push_back(row);
+        } else if (Contains(side, "下") || Contains(side, "左")) {
+            lists.second.push_back(row);
+        }
+    }
+    return lists;
+}
+
+std::string MTextLiteral(std::string_view text) {
+    std::string escaped;
+    escaped.reserve(text.size());
+    for (const char c : text) {
+        if (c == '\\' || c == '{' || c == '}') {
+            escaped += '\\';
+        }
+        escaped += c;
+    }
+    return escaped;
+}
+
+std::string HeaderDataText(const CDlgPlcRendal& dlg) {
+    std::string text;
+    // The manufacturer line opens without a paragraph break and every other line with one,
+    // so a header without the manufacturer starts with an empty line.
+    if (dlg.labelManufacturer) {
+        text += (dlg.labelManufacturerPrefix ? "厂家:" : "") + MTextLiteral(dlg.editShortName);
+    }
+    if (dlg.labelModuleCode) {
+        text +=
+            (dlg.labelModuleCodePrefix ? "\\P模块代号:" : "\\P") + MTextLiteral(dlg.editModuleCode);
+    }
+    if (dlg.labelModuleDesc) {
+        text +=
+            (dlg.labelModuleDescPrefix ? "\\P模块描述:" : "\\P") + MTextLiteral(dlg.editModuleDesc);
+    }
+    if (dlg.labelFrameNo && !dlg.editFrameNo.empty()) {
+        text += (dlg.labelFramePrefix ? "\\P框架号:" : "\\P") + MTextLiteral(dlg.editFrameNo);
+    }
+    if (dlg.labelSlotNo && !dlg.editSlotNo.empty()) {
+        text += (dlg.labelSlotPrefix ? "\\P槽号:" : "\\P") + MTextLiteral(dlg.editSlotNo);
+    }
+    return text;
+}
+
+TermStyle TermStyleFor(int componentType) {
+    if (componentType == 2) {
+        return TermStyle::FrameTextPoint;
+    }
+    return componentType == 3 ? TermStyle::Cell : TermStyle::Frame;
+}
+
+bool OpenDrawContext(DrawContext& ctx) {
+    ctx.labelHeight = LoadAworkSettings(AworkFilePath()).labelHeight;
+    ctx.layer = cadutil::LayerIdByName(ctx.db, "DIM");
+    return ctx.db.TextStyle(ctx.db.CurrentTextStyle()) != nullptr;
+}
+
+void DrawHeader(DrawContext& ctx, bool detailLinks) {
+    const double h = ctx.labelHeight;
+    const double H = ctx.dlg.typeWidth;
+    const bool vertical = ctx.dlg.orientation != 0;
+    const cad::Point3d labelAt =
+        vertical ? cad::Point3d{-H / 2, h, 0} : cad::Point3d{-h, -H / 2, 0};
+    const cad::Point3d dataAt =
+        vertical ? cad::Point3d{-H / 2, 2 * h, 0} : cad::Point3d{-2 * h, -H / 2, 0};
+    const double rotation = vertical ? 0.0 : kAngle90;
+    cad::MText* label = AddMText(ctx, MTextLiteral(ctx.dlg.editTag), labelAt, h, 5, rotation);
+    cad::MText* data = AddMText(ctx, HeaderDataText(ctx.dlg), dataAt, 2.5, 8, rotation);
+    data->color = 2;
+    ctx.label = label->handle;
+    ctx.data = data->handle;
+    if (detailLinks) {
+        Link(ctx.db, ctx.label, kAppLabelDetail, ctx.data);
+        Link(ctx.db, ctx.data, kAppDetailLabel, ctx.label);
+    }
+}
+
+cad::Handle AddOutline(DrawContext& ctx, const std::vector<cad::Point3d>& points, bool closed) {
+    std::vector<cad::Point3d> world;
+    world.reserve(points.size());
+    host::IHost& host = host::Current();
+    for (const cad::Point3d& p : points) {
+        world.push_back(host.UcsToWcs(ctx.At(p.x, p.y)));
+    }
+    const cad::Handle handle = cadutil::AddPolylineWithWidth(&ctx.db, world, 0.0);
+    if (auto* polyline = ctx.db.Get<cad::LwPolyline>(handle)) {
+        polyline->closed = closed;
+    }
+    // An outline names its label; the label lists every outline piece of its module.
+    cadutil::SetXDataItem(ctx.db, handle, kAppOutlineText, cad::XDataItem::HandleRef(ctx.label));
+    Link(ctx.db, ctx.label, kAppOutlineRect, handle);
+    return handle;
+}
+
+bool LoadSymbolBlock(DrawContext& ctx) {
+    std::string error;
+    const auto symbol = cad::TryReadDxfFile(ctx.dlg.termSymbolPath, error);
+    if (!symbol) {
+        host::Print("文件<" + ctx.dlg.termSymbolPath + ">打开失败！" + "\n");
+        return false;
+    }
+    ctx.symbolBlock = cad::InsertAsBlock(ctx.db, *symbol, ctx.dlg.termSymbolName);
+    return ctx.symbolBlock != cad::kNullHandle;
+}
+
+void DrawTerminal(DrawContext& ctx, int row, Side side, TermStyle style, const cad::Point3d& at) {
+    CDlgPlcRendal& dlg = ctx.dlg;
+    const bool vertical = IsVerticalSide(side);
+    const cad::Vector3d out = Outward(side);
+    if (style == TermStyle::Cell) {
+        AddOutline(ctx, CellCorners(at, dlg.termSpacing, vertical), true);
+    }
+    // A cell's symbol is inserted on the cell's outer edge, measured, and moved out so that
+    // it stands on that edge.
+    const cad::Point3d insertAt = style == TermStyle::Cell ? at + out * 2.5 : at;
+    cad::BlockReference* ref =
+        ctx.db.InsertBlock(ctx.symbolBlock, ctx.At(insertAt.x, insertAt.y), {1, 1, 1},
+                           SymbolRotation(dlg.termDirection, side));
+    const cad::Handle refHandle = ref->handle;
+    const Measured measured = MeasureReference(ctx.db, refHandle, ref->position);
+    const cad::Vector3d size = measured.Size();
+    dlg.termLength = static_cast<float>(std::max(size.x, size.y));
+    if (style == TermStyle::Cell) {
+        const cad::Point3d edge = ctx.At(insertAt.x, insertAt.y);
+        ref->position = ref->position + out * ShiftOntoEdge(side, measured, edge);
+    }
+
+    TextSpec number, desc;
+    if (style == TermStyle::Cell) {
+        CellTexts(side, at, size, number, desc);
+    } else {
+        FrameTexts(side, at, size, number, desc);
+    }
+    cad::Text* numberText = AddText(ctx, dlg.termList.Text(row, kColTermValue), number);
+    cad::Point3d textPoint;
+    if (style == TermStyle::FrameTextPoint && FirstTextPoint(ctx.db, refHandle, textPoint)) {
+        numberText->SetAnchor(textPoint);
+    }
+    cad::Text* descText = AddText(ctx, dlg.termList.Text(row, kColTermDesc), desc);
+
+    // Both description links sit on the number text; the description text itself links
+    // back only in the divided drawing.
+    cad::Database& db = ctx.db;
+    const cad::Handle numberHandle = numberText->handle, descHandle = descText->handle;
+    cadutil::AppendXDataItem(db, refHandle, kAppTermText, cad::XDataItem::String("1"));
+    Link(db, refHandle, kAppTermText, numberHandle);
+    Link(db, refHandle, kAppTermDescText, descHandle);
+    Link(db, numberHandle, kAppTermText, refHandle);
+    Link(db, numberHandle, kAppTermDescText, refHandle);
+    if (ctx.descBackLink) {
+        Link(db, descHandle, kAppTermDescText, refHandle);
+    }
+    Link(db, ctx.label, kAppLabel, refHandle);
+    cadutil::SetXDataItem(db, refHandle, kAppLabel, cad::XDataItem::HandleRef(ctx.label));
+}
+
+}  // namespace draw
