@@ -55,6 +55,10 @@ TEST_F(SheetTest, SeedsPagesFromTheSettingsAndFormatsFromTheFile) {
     EXPECT_TRUE(sheet.labelPage.flags[CLabelSettingDlg::SlotPrefix]);
     EXPECT_FALSE(sheet.bomPage.autoDetailModel);
     EXPECT_EQ(sheet.bomPage.detailModelType, 1);
+    // Every click on a label box changes its flag at once.
+    sheet.labelPage.OnInitDialog();
+    sheet.labelPage.OnClick(CLabelSettingDlg::FrameNo);
+    EXPECT_TRUE(sheet.labelPage.flags[CLabelSettingDlg::FrameNo]);
 }
 
 TEST_F(SheetTest, OkTakesTheSelectedFormatAndWritesTheFullForm) {
@@ -276,27 +280,6 @@ TEST_F(SheetTest, CancelAfterTerminalSettingsLeavesTheShortForm) {
     EXPECT_EQ(reread.componentType, 1);
     EXPECT_TRUE(reread.labelManufacturer);  // the stored FALSE is gone with the full form
     EXPECT_FALSE(reread.labelModuleCodePrefix);
-}
-
-TEST_F(SheetTest, LabelPageFollowsEachClick) {
-    CLabelSettingDlg page;
-    for (int box = 0; box < CLabelSettingDlg::kBoxCount; ++box) {
-        EXPECT_EQ(page.flags[box], box < CLabelSettingDlg::ManufacturerPrefix) << box;
-    }
-    page.OnInitDialog();
-    EXPECT_EQ(page.checked, page.flags);
-    page.OnClick(CLabelSettingDlg::FramePrefix);
-    page.OnClick(CLabelSettingDlg::SlotNo);
-    EXPECT_TRUE(page.flags[CLabelSettingDlg::FramePrefix]);
-    EXPECT_FALSE(page.flags[CLabelSettingDlg::SlotNo]);
-    PlcDrawSettings s;
-    page.CopyTo(s);
-    EXPECT_TRUE(s.labelFramePrefix);
-    EXPECT_FALSE(s.labelSlotNo);
-    EXPECT_FALSE(s.labelModuleCodePrefix);
-    CLabelSettingDlg again;
-    again.SeedFrom(s);
-    EXPECT_EQ(again.flags, page.flags);
 }
 
 TEST_F(SheetTest, DetailPageEnablesItsListsWithTheirBoxes) {
