@@ -249,22 +249,19 @@ bool Connection::Create(const std::string& path, std::string& error) {
 bool Connection::Configure(std::string& error) {
     sqlite3_busy_timeout(db_, kBusyTimeoutMs);
     sqlite3_extended_result_codes(db_, 0);
-    auto cursor = Select("PRAGMA journal_mode", error);
-    std::string mode;
-    if (cursor && cursor->Next()) {
-        mode = cursor->Text(0);
-    }
-    if (!cursor || !cursor->Error().empty() ||
-        !Execute("SELECT count(*) FROM sqlite_master", error) ||
-        (EqualsIgnoreCase(mode, "wal") && !Execute("PRAGMA journal_mode=DELETE", error))) {
-        if (cursor && !cursor->Error().empty()) {
-            error = cursor->Error();
+    auto mode = Query("PRAGMA journal_mode", error);
+    const bool ok = mode && !mode->Empty() &&
+                    Execute("SELECT count(*) FROM sqlite_master", error) &&
+                    (!EqualsIgnoreCase(mode->rows[0][0], "wal") ||
+                     Execute("PRAGMA journal_mode=DELETE", error));
+    if (!ok) {
+        if (error.empty()) {
+            error = "the journal mode of the file cannot be read";
         }
         sqlite3_close(db_);
         db_ = nullptr;
-        return false;
     }
-    return true;
+    return ok;
 }
 
 bool Connection::Close(std::string& error) {

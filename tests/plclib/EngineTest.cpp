@@ -112,13 +112,25 @@ TEST_F(EngineTest, RefusesMoreThanOneStatementAtOnce) {
     EXPECT_TRUE(db.Execute("DELETE * FROM PLC_MANUFACTURER;", error)) << error;
 }
 
+// The file travels whole (FTP, copies): a library left in WAL mode by another tool is put
+// back to the rollback journal when opened, so that no committed change stays in a -wal file.
 TEST_F(EngineTest, KeepsTheRollbackJournal) {
-    auto holder = OpenModuleLibrary();
-    auto& db = *holder;
+    const auto path = MakeLibrary(TypeTables("M_S_T"));
     std::string error;
+    {
+        plcdb::Connection db;
+        ASSERT_TRUE(db.Open(path, error)) << error;
+        auto mode = db.Query("PRAGMA journal_mode=WAL", error);
+        ASSERT_TRUE(mode);
+        ASSERT_EQ(mode->rows.at(0).at(0), "wal");
+    }
+    plcdb::Connection db;
+    ASSERT_TRUE(db.Open(path, error)) << error;
     auto mode = db.Query("PRAGMA journal_mode", error);
     ASSERT_TRUE(mode);
     EXPECT_EQ(mode->rows.at(0).at(0), "delete");
+    ASSERT_TRUE(db.Execute("INSERT INTO PLC_MANUFACTURER VALUES ('A','','','')", error));
+    EXPECT_FALSE(std::filesystem::exists(path + "-wal"));
 }
 
 // Files that are no library: each is refused on open with a reason naming the file.
