@@ -95,6 +95,21 @@ Measure MeasureSymbol(const cad::Database& db) {
     return m;
 }
 
+// The end of a line farthest from the insertion point: the inner end of the lead.
+cad::Point3d InnerEnd(const cad::Database& db) {
+    cad::Point3d far;
+    for (const cad::Entity* e : db.Entities()) {
+        if (const auto* line = dynamic_cast<const cad::Line*>(e)) {
+            for (const auto& p : {line->start, line->end}) {
+                if (std::hypot(p.x, p.y) > std::hypot(far.x, far.y)) {
+                    far = p;
+                }
+            }
+        }
+    }
+    return far;
+}
+
 }  // namespace
 
 TEST(SymbolLibrary, HoldsTheDefaultsAndTwoChooserPages) {
@@ -125,15 +140,18 @@ TEST(SymbolLibrary, EverySymbolMeasuresToTheDirectionItIsDrawnIn) {
         const Measure m = MeasureSymbol(*db);
         ASSERT_EQ(m.markers, 1);
         EXPECT_EQ(m.direction, listedDirection);
-        // What the drawing shows: the lead leaves the insertion point towards the marker.
-        EXPECT_EQ(DirectionOf(m.marker.x, m.marker.y), listedDirection);
-        const double reach = std::hypot(m.marker.x, m.marker.y);
-        EXPECT_GE(reach, 3.5);
-        EXPECT_LE(reach, 6.0);
+        // What the drawing shows: the marker sits on the insertion point (the connection
+        // end) and the lead runs back from it, so its far end lies against the direction.
+        EXPECT_LT(std::hypot(m.marker.x, m.marker.y), 0.3);
+        const cad::Point3d inner = InnerEnd(*db);
+        EXPECT_EQ(DirectionOf(-inner.x, -inner.y), listedDirection);
+        const double length = std::hypot(inner.x, inner.y);
+        EXPECT_GE(length, 1.5);
+        EXPECT_LE(length, 3.0);
         // The first text point, beside the lead, and the second beyond the free end.
         const auto points = CGetSymbData::PointsOfSpace(*db, db->ModelSpace());
         ASSERT_EQ(points.size(), 2u);
-        EXPECT_GT(std::hypot(points[1].point.x, points[1].point.y), reach);
+        EXPECT_EQ(DirectionOf(points[1].point.x, points[1].point.y), listedDirection);
         const cad::Handle layer = db->FindLayer(kTermTextPointLayer);
         ASSERT_NE(db->Layer(layer), nullptr);
         EXPECT_LT(db->Layer(layer)->color, 0) << "the text points' layer is off";

@@ -25,38 +25,37 @@ struct SymbolDesign {
     int direction;        // 0 up, 1 down, 2 right, 3 left
     const char* caption;  // what the symbol is, for people choosing one
     std::function<void(SymbolSketch&)> draw;
-    double length = 5.0;  // from the insertion point to the free end
+    double length = 2.5;  // from the inner end of the lead to the free end
 };
 
-// Every symbol marks where its number goes (beside the lead) and its description (beyond
-// the free end).
+// Every symbol marks where its number goes (beside the middle of the lead) and where its
+// description goes (beyond the free end).
 void TextPoints(SymbolSketch& s, double length) {
-    s.TextPoint(length / 2, 1.3);
-    s.TextPoint(length + 1.0, 0);
+    s.TextPoint(-length / 2, 1.3);
+    s.TextPoint(1.0, 0);
 }
 
 void CircleTerminal(SymbolSketch& s) {
-    s.Line(0, 0, 4, 0);
-    s.Circle(4.5, 0, 0.5);
+    s.Line(-2.5, 0, -1, 0);
+    s.Circle(-0.5, 0, 0.5);
 }
 
 void SquareTerminal(SymbolSketch& s) {
-    s.Line(0, 0, 4, 0);
-    s.Rect(4, -0.5, 5, 0.5);
+    s.Line(-2.5, 0, -1, 0);
+    s.Rect(-1, -0.5, 0, 0.5);
 }
 
 void ScrewTerminal(SymbolSketch& s) {
-    s.Line(0, 0, 3.5, 0);
-    s.Circle(4.25, 0, 0.75);
-    s.Line(3.72, -0.53, 4.78, 0.53);
+    s.Line(-2.5, 0, -1.5, 0);
+    s.Circle(-0.75, 0, 0.75);
+    s.Line(-1.28, -0.53, -0.22, 0.53);
 }
 
 void FuseTerminal(SymbolSketch& s) {
-    s.Line(0, 0, 1, 0);
-    s.Rect(1, -0.5, 3.4, 0.5);
-    s.Line(1, 0, 3.4, 0);
-    s.Line(3.4, 0, 4.3, 0);
-    s.Circle(4.65, 0, 0.35);
+    s.Line(-2.5, 0, -2.2, 0);
+    s.Rect(-2.2, -0.4, -0.9, 0.4);
+    s.Line(-2.2, 0, -0.6, 0);
+    s.Circle(-0.3, 0, 0.3);
 }
 
 std::vector<cad::Point3d> Hexagon(double cx, double r) {
@@ -68,144 +67,146 @@ std::vector<cad::Point3d> Hexagon(double cx, double r) {
     return points;
 }
 
+// Each design is sketched pointing right, with its free end (the connection point, where
+// the marker goes) at the origin and the lead running back to x = -length.
 const std::vector<SymbolDesign>& Designs() {
     static const std::vector<SymbolDesign> designs = {
         {"SYMB2_S_KTR5", 2, "圆形端子",
          [](SymbolSketch& s) {
-             s.Line(0, 0, 3.5, 0);
-             s.Circle(4.25, 0, 0.75);
+             s.Line(-2.5, 0, -1.5, 0);
+             s.Circle(-0.75, 0, 0.75);
          }},
         {"SYMB2_S_KTR17", 2, "螺钉端子(方框)",
          [](SymbolSketch& s) {
-             s.Line(0, 0, 3, 0);
-             s.Rect(3, -1, 5, 1);
-             s.Circle(4, 0, 0.6);
-             s.Line(3.6, -0.4, 4.4, 0.4);
+             s.Line(-2.5, 0, -1.8, 0);
+             s.Rect(-1.8, -0.9, 0, 0.9);
+             s.Circle(-0.9, 0, 0.55);
+             s.Line(-1.29, -0.39, -0.51, 0.39);
          }},
         {"SYMB2_S_KTR211", 2, "导轨式接线端子",
          [](SymbolSketch& s) {
-             s.Line(0, 0, 2.5, 0);
-             s.Rect(2.5, -0.75, 5, 0.75);
-             s.Line(3.6, -0.75, 3.6, 0.75);
-             s.Circle(4.3, 0, 0.4);
+             s.Line(-2.5, 0, -2, 0);
+             s.Rect(-2, -0.75, 0, 0.75);
+             s.Line(-1.1, -0.75, -1.1, 0.75);
+             s.Circle(-0.55, 0, 0.35);
          }},
         {"SYMB2_S_01", 2, "小圆端子", CircleTerminal},
         {"SYMB2_S_02", 2, "实心圆点端子",
          [](SymbolSketch& s) {
-             s.Line(0, 0, 4.2, 0);
-             s.Disc(4.6, 0, 0.4);
+             s.Line(-2.5, 0, -0.8, 0);
+             s.Disc(-0.4, 0, 0.4);
          }},
         {"SYMB2_S_03", 2, "方形端子", SquareTerminal},
         {"SYMB2_S_04", 2, "螺钉压接端子", ScrewTerminal},
         {"SYMB2_S_05", 2, "插头(针)",
          [](SymbolSketch& s) {
-             s.Line(0, 0, 3.5, 0);
-             s.Poly({{3.5, 0, 0}, {5, 0, 0}}, false, 0.8);
+             s.Line(-2.5, 0, -1.2, 0);
+             s.Poly({{-1.2, 0, 0}, {0, 0, 0}}, false, 0.8);
          }},
         {"SYMB2_S_06", 2, "插座(孔)",
          [](SymbolSketch& s) {
-             s.Line(0, 0, 4, 0);
-             s.Arc(4.75, 0, 0.75, 90, 270);
+             s.Line(-2.5, 0, -0.75, 0);
+             s.Arc(0, 0, 0.75, 90, 270);
          }},
         {"SYMB2_S_07", 2, "插头插座对",
          [](SymbolSketch& s) {
-             s.Line(0, 0, 2.5, 0);
-             s.Arc(3.25, 0, 0.75, 90, 270);
-             s.Poly({{3.0, 0, 0}, {4.2, 0, 0}}, false, 0.6);
-             s.Line(4.2, 0, 5, 0);
+             s.Line(-2.5, 0, -1.75, 0);
+             s.Arc(-1, 0, 0.75, 90, 270);
+             s.Poly({{-1.25, 0, 0}, {-0.4, 0, 0}}, false, 0.5);
+             s.Line(-0.4, 0, 0, 0);
          }},
         {"SYMB2_S_08", 2, "熔断器端子", FuseTerminal},
         {"SYMB2_S_09", 2, "试验断开端子",
          [](SymbolSketch& s) {
-             s.Line(0, 0, 2, 0);
-             s.Circle(2.15, 0, 0.15);
-             s.Line(2.3, 0.05, 3.4, 0.75);
-             s.Line(3.4, 0, 4.3, 0);
-             s.Circle(4.65, 0, 0.35);
+             s.Line(-2.5, 0, -1.9, 0);
+             s.Circle(-1.8, 0, 0.1);
+             s.Line(-1.7, 0.04, -0.95, 0.6);
+             s.Line(-1, 0, -0.6, 0);
+             s.Circle(-0.3, 0, 0.3);
          }},
         {"SYMB2_S_10", 2, "双层端子",
          [](SymbolSketch& s) {
-             s.Line(0, 0, 2, 0);
-             s.Circle(2.5, 0, 0.5);
-             s.Line(3, 0, 4, 0);
-             s.Circle(4.5, 0, 0.5);
+             s.Line(-2.5, 0, -2, 0);
+             s.Circle(-1.6, 0, 0.4);
+             s.Line(-1.2, 0, -0.8, 0);
+             s.Circle(-0.4, 0, 0.4);
          }},
         {"SYMB2_S_11", 2, "六角螺栓端子",
          [](SymbolSketch& s) {
-             s.Line(0, 0, 3.5, 0);
-             s.Poly(Hexagon(4.25, 0.75), true);
-             s.Circle(4.25, 0, 0.35);
+             s.Line(-2.5, 0, -1.5, 0);
+             s.Poly(Hexagon(-0.75, 0.75), true);
+             s.Circle(-0.75, 0, 0.35);
          }},
         {"SYMB2_S_12", 2, "菱形端子",
          [](SymbolSketch& s) {
-             s.Line(0, 0, 3.5, 0);
-             s.Poly({{3.5, 0, 0}, {4.25, 0.75, 0}, {5, 0, 0}, {4.25, -0.75, 0}}, true);
+             s.Line(-2.5, 0, -1.5, 0);
+             s.Poly({{-1.5, 0, 0}, {-0.75, 0.75, 0}, {0, 0, 0}, {-0.75, -0.75, 0}}, true);
          }},
         {"SYMB2_S_13", 2, "信号连接端子(箭头)",
          [](SymbolSketch& s) {
-             s.Line(0, 0, 3.5, 0);
-             s.Poly({{3.5, -0.6, 0}, {4.4, -0.6, 0}, {5, 0, 0}, {4.4, 0.6, 0}, {3.5, 0.6, 0}},
+             s.Line(-2.5, 0, -1.4, 0);
+             s.Poly({{-1.4, -0.6, 0}, {-0.6, -0.6, 0}, {0, 0, 0}, {-0.6, 0.6, 0}, {-1.4, 0.6, 0}},
                     true);
          }},
         {"SYMB2_S_14", 2, "标记圆端子",
          [](SymbolSketch& s) {
              ScrewTerminal(s);
-             s.Line(3.72, 0.53, 4.78, -0.53);
+             s.Line(-1.28, 0.53, -0.22, -0.53);
          }},
         {"SYMB2_S_15", 2, "弹簧压接端子",
          [](SymbolSketch& s) {
-             s.Line(0, 0, 3, 0);
-             s.Rect(3, -0.9, 5, 0.9);
-             s.Poly({{3.2, 0, 0},
-                     {3.5, 0.5, 0},
-                     {3.8, -0.5, 0},
-                     {4.1, 0.5, 0},
-                     {4.4, -0.5, 0},
-                     {4.7, 0.5, 0},
-                     {4.8, 0, 0}},
+             s.Line(-2.5, 0, -2, 0);
+             s.Rect(-2, -0.8, 0, 0.8);
+             s.Poly({{-1.85, 0, 0},
+                     {-1.6, 0.45, 0},
+                     {-1.3, -0.45, 0},
+                     {-1, 0.45, 0},
+                     {-0.7, -0.45, 0},
+                     {-0.4, 0.45, 0},
+                     {-0.15, 0, 0}},
                     false);
          }},
         {"SYMB2_S_16", 2, "同心圆端子",
          [](SymbolSketch& s) {
-             s.Line(0, 0, 3.5, 0);
-             s.Circle(4.25, 0, 0.75);
-             s.Circle(4.25, 0, 0.4);
+             s.Line(-2.5, 0, -1.5, 0);
+             s.Circle(-0.75, 0, 0.75);
+             s.Circle(-0.75, 0, 0.4);
          }},
         {"SYMB2_S_17", 2, "二极管端子",
          [](SymbolSketch& s) {
-             s.Line(0, 0, 1.5, 0);
-             s.Poly({{1.5, -0.6, 0}, {1.5, 0.6, 0}, {2.5, 0, 0}}, true);
-             s.Line(2.5, -0.6, 2.5, 0.6);
-             s.Line(2.5, 0, 4, 0);
-             s.Circle(4.5, 0, 0.5);
+             s.Line(-2.5, 0, -2.2, 0);
+             s.Poly({{-2.2, -0.45, 0}, {-2.2, 0.45, 0}, {-1.45, 0, 0}}, true);
+             s.Line(-1.45, -0.45, -1.45, 0.45);
+             s.Line(-1.45, 0, -0.8, 0);
+             s.Circle(-0.4, 0, 0.4);
          }},
         {"SYMB2_S_18", 2, "指示灯端子",
          [](SymbolSketch& s) {
-             s.Line(0, 0, 1.5, 0);
-             s.Circle(2.3, 0, 0.8);
-             s.Line(1.73, -0.57, 2.87, 0.57);
-             s.Line(1.73, 0.57, 2.87, -0.57);
-             s.Line(3.1, 0, 4, 0);
-             s.Circle(4.5, 0, 0.5);
+             s.Line(-2.5, 0, -2.35, 0);
+             s.Circle(-1.75, 0, 0.6);
+             s.Line(-2.17, -0.42, -1.33, 0.42);
+             s.Line(-2.17, 0.42, -1.33, -0.42);
+             s.Line(-1.15, 0, -0.8, 0);
+             s.Circle(-0.4, 0, 0.4);
          }},
         {"SYMB2_S_19", 2, "方框圆端子",
          [](SymbolSketch& s) {
-             s.Line(0, 0, 3, 0);
-             s.Rect(3, -1, 5, 1);
-             s.Circle(4, 0, 0.5);
+             s.Line(-2.5, 0, -1.8, 0);
+             s.Rect(-1.8, -0.9, 0, 0.9);
+             s.Circle(-0.9, 0, 0.5);
          }},
         {"SYMB2_S_20", 2, "短引线圆端子",
          [](SymbolSketch& s) {
-             s.Line(0, 0, 2.75, 0);
-             s.Circle(3.25, 0, 0.5);
+             s.Line(-1.875, 0, -1, 0);
+             s.Circle(-0.5, 0, 0.5);
          },
-         3.75},
+         1.875},
         {"SYMB2_S_210", 2, "短引线方形端子",
          [](SymbolSketch& s) {
-             s.Line(0, 0, 2.75, 0);
-             s.Rect(2.75, -0.5, 3.75, 0.5);
+             s.Line(-1.875, 0, -1, 0);
+             s.Rect(-1, -0.5, 0, 0.5);
          },
-         3.75},
+         1.875},
         {"SYMB2_S_30", 0, "圆形端子(向上)", CircleTerminal},
         {"SYMB2_S_31", 1, "方形端子(向下)", SquareTerminal},
         {"SYMB2_S_32", 3, "螺钉压接端子(向左)", ScrewTerminal},
@@ -240,20 +241,20 @@ void AddToSheet(cad::Database& sheet, const cad::Database& symbol, const SymbolD
                           : layer;
         sheet.Append(std::move(copy), block);
     }
-    const double x = (cell % 6) * 20.0, y = -(cell / 6) * 20.0;
+    const double x = (cell % 6) * 12.0, y = -(cell / 6) * 12.0;
     sheet.InsertBlock(block, {x, y, 0});
     const char* lines[2] = {design.name, design.caption};
     for (int i = 0; i < 2; ++i) {
         auto* text = sheet.AppendNew<cad::Text>();
         text->text = lines[i];
-        text->height = 1.2;
+        text->height = 0.8;
         text->horizontal = cad::TextHorz::Center;
-        text->SetAnchor({x, y - 8.0 - 2.0 * i, 0});
+        text->SetAnchor({x, y - 4.5 - 1.4 * i, 0});
         text->color = i == 0 ? 5 : 3;
     }
     auto* dot = sheet.AppendNew<cad::Circle>();  // the insertion point
     dot->center = {x, y, 0};
-    dot->radius = 0.3;
+    dot->radius = 0.15;
     dot->color = 8;
 }
 
@@ -271,7 +272,7 @@ int main(int argc, char** argv) {
     for (const auto& design : Designs()) {
         SymbolSketch sketch(design.direction);
         design.draw(sketch);
-        sketch.Marker(design.length, 0);
+        sketch.Marker(0, 0);
         TextPoints(sketch, design.length);
         const std::string path = folder + "/" + design.name + ".dxf";
         try {

@@ -1,7 +1,7 @@
-// Drawing one terminal symbol for the symbol library: a lead from the insertion point (the
-// point where the terminal meets the module) along +X to the terminal, the terminal itself,
-// the red direction marker at the terminal's free end and the terminal-text points. The
-// symbol is sketched pointing right and stored turned to the direction it is shipped in.
+// Drawing one terminal symbol for the symbol library: the terminal with its free end (the
+// connection point) at the insertion point, the lead running back from it, the red
+// direction marker on the free end and the terminal-text points. The symbol is sketched
+// pointing right (+X) and stored turned to the direction it is shipped in.
 #pragma once
 
 #include <string>
