@@ -101,12 +101,15 @@ void PrintCorner(const char* format, const cad::Point3d& point) {
     host::Print(line);
 }
 
-// Closes a piece with an opening and a closing bracket. On a vertical piece the closing
-// bracket runs through the left-upper point at the first list's run, the two lower corners
-// half a pitch below the longer run, and the right-upper point at the second list's run;
-// the cell style prints these four points. A horizontal piece has the same brackets with
-// the axes exchanged: the upper end follows the first (upper) list and the lower end the
-// second, as on the whole module.
+// Closes a piece with an opening and a closing bracket (converted from the UCS and linked
+// to the label like an outline). The closing bracket of a vertical piece runs through its
+// left-upper point, where the left edge's run ends, the two lower corners half a pitch below
+// the longer run, and its right-upper point, where the right edge's run ends; the cell
+// style prints these four points. Each upper point follows the run of the edge it stands
+// on (the first list on the right, the second on the left), so that the bracket closes the
+// piece's outline whichever side holds more terminals. A horizontal piece has the same
+// brackets with the axes exchanged: the upper end follows the first (upper) list and the
+// lower end the second, as on the whole module.
 void CloseBrackets(DrawContext& ctx, double r1, double r2) {
     const double H = ctx.dlg.typeWidth, p = ctx.dlg.termSpacing;
     if (ctx.dlg.orientation == 0) {
@@ -116,7 +119,7 @@ void CloseBrackets(DrawContext& ctx, double r1, double r2) {
         return;
     }
     const double yb = -p / 2 - std::max(r1, r2) - p / 2;
-    const cad::Point3d lu{-H, -p / 2 - r1}, ld{-H, yb}, rd{0, yb}, ru{0, -p / 2 - r2};
+    const cad::Point3d lu{-H, -p / 2 - r2}, ld{-H, yb}, rd{0, yb}, ru{0, -p / 2 - r1};
     AddOutline(ctx, {{-H, -p / 2}, {-H, 0}, {0, 0}, {0, -p / 2}}, false);
     AddOutline(ctx, {lu, ld, rd, ru}, false);
     if (ctx.dlg.componentType == 3) {

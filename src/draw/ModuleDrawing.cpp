@@ -1,6 +1,9 @@
 #include "draw/ModuleDrawing.h"
 
+#include <unistd.h>
+
 #include <filesystem>
+#include <fstream>
 
 #include "cad/Dxf.h"
 #include "cad/Operations.h"
@@ -79,6 +82,41 @@ void DrawTerminals(DrawContext& ctx, const TermLists& lists) {
     }
 }
 
+// The preview is scratch, read back at once and rewritten by the next drawing: it is
+// written whole (a temporary file renamed over it) in the user's save format, but not
+// synced to disk, which would cost more than drawing the module.
+bool WriteScratchDrawing(const cad::Database& db, const std::string& path, std::string& error) {
+    std::string text;
+    try {
+        const auto format = host::Current().GetEnvironment("DefaultFormatForSave");
+        text = cad::WriteDxfString(db, cad::VersionForSaveFormat(format));
+    } catch (const cad::DxfError& e) {
+        error = e.what();
+        return false;
+    }
+    std::error_code ec;
+    const std::filesystem::path target(path);
+    std::filesystem::create_directories(target.parent_path(), ec);
+    const std::filesystem::path temp = target.string() + ".tmp" + std::to_string(::getpid());
+    {
+        std::ofstream out(temp, std::ios::binary | std::ios::trunc);
+        out.write(text.data(), static_cast<std::streamsize>(text.size()));
+        out.close();
+        if (!out) {
+            error = "cannot write " + temp.string();
+            std::filesystem::remove(temp, ec);
+            return false;
+        }
+    }
+    std::filesystem::rename(temp, target, ec);
+    if (ec) {
+        error = ec.message();
+        std::filesystem::remove(temp, ec);
+        return false;
+    }
+    return true;
+}
+
 std::string PreviewPath() {
     return suite::PathJoin(suite::GetZandrixLocalInstallPath(), kPreviewFile);
 }
@@ -125,10 +163,8 @@ int WriteModulePreview(CDlgPlcRendal& dlg, int outlineOnly) {
     }
     cad::ExplodeAllReferences(side);
     const std::string path = draw::PreviewPath();
-    std::error_code ec;
-    std::filesystem::create_directories(std::filesystem::path(path).parent_path(), ec);
     std::string error;
-    if (cadutil::SaveSideDatabase(&side, path, &error) != cadutil::SaveStatus::Ok) {
+    if (!draw::WriteScratchDrawing(side, path, error)) {
         host::Print("文件<" + path + ">写入失败：" + error + "\n");
         return 0;
     }

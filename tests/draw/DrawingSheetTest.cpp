@@ -191,10 +191,11 @@ TEST(DrawingDivided, VerticalCellStylePrintsTheClosingCorners) {
         3, 1, {{"1", "A", "     向右"}, {"2", "B", "     向右"}, {"3", "C", "向左"}});
     env.host.pointAnswers = {At(50, 200), At(50, 160)};  // 40 down: k = 3
     ASSERT_TRUE(DrawDivided(*dlg, env.drawing));
-    // r1 = 20 (two right), r2 = 10 (one left); yb = 200 - 5 - 20 - 5.
+    // Right run 20 (two terminals), left run 10 (one); yb = 200 - 5 - 20 - 5. Each upper
+    // corner closes the run of its own edge.
     EXPECT_EQ(
         env.host.AllPrinted(),
-        "\nLU:(40.00,175.00)\n\nLD:(40.00,170.00)\n\nRD:(50.00,170.00)\n\nRU:(50.00,185.00)\n");
+        "\nLU:(40.00,185.00)\n\nLD:(40.00,170.00)\n\nRD:(50.00,170.00)\n\nRU:(50.00,175.00)\n");
     const auto refs = All<cad::BlockReference>(env.drawing);
     ASSERT_EQ(refs.size(), 3u);
     ExpectPoint(refs[0]->position, {52.5, 190}, "right 1");
