@@ -13,13 +13,15 @@ Database::Database(BareTag) {}
 Database::~Database() = default;
 
 DbObject* Database::Object(Handle h) {
-    auto it = objects_.find(h);
-    return it == objects_.end() ? nullptr : it->second.get();
+    if (h < dense_.size()) {
+        return dense_[h].get();
+    }
+    auto it = sparse_.find(h);
+    return it == sparse_.end() ? nullptr : it->second.get();
 }
 
 const DbObject* Database::Object(Handle h) const {
-    auto it = objects_.find(h);
-    return it == objects_.end() ? nullptr : it->second.get();
+    return const_cast<Database*>(this)->Object(h);
 }
 
 Handle Database::NewHandle() {
@@ -33,18 +35,40 @@ void Database::ReserveHandle(Handle h) {
 }
 
 Handle Database::Add(std::unique_ptr<DbObject> object) {
-    if (object->handle == kNullHandle || objects_.count(object->handle) != 0) {
+    if (object->handle == kNullHandle || Object(object->handle) != nullptr) {
         object->handle = NewHandle();
     } else {
         ReserveHandle(object->handle);
     }
     const Handle h = object->handle;
-    objects_.emplace(h, std::move(object));
+    if (h < dense_.size()) {
+        dense_[h] = std::move(object);
+    } else if (h < 2 * (count_ + 4096)) {
+        // Near the others: grow the vector (geometrically, so appends stay cheap).
+        dense_.resize(std::max<std::size_t>(h + 1, dense_.size() * 3 / 2));
+        for (auto it = sparse_.begin(); it != sparse_.end();) {
+            if (it->first < dense_.size()) {
+                dense_[it->first] = std::move(it->second);
+                it = sparse_.erase(it);
+            } else {
+                ++it;
+            }
+        }
+        dense_[h] = std::move(object);
+    } else {
+        sparse_.emplace(h, std::move(object));
+    }
+    ++count_;
     return h;
 }
 
 void Database::ForEachObject(const std::function<void(const DbObject&)>& fn) const {
-    for (const auto& [h, o] : objects_) {
+    for (const auto& o : dense_) {
+        if (o) {
+            fn(*o);
+        }
+    }
+    for (const auto& [h, o] : sparse_) {
         fn(*o);
     }
 }

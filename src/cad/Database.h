@@ -52,7 +52,7 @@ public:
     Handle NewHandle();
     Handle HandleSeed() const { return nextHandle_; }
     void ReserveHandle(Handle h);  // the seed moves above h
-    std::size_t ObjectCount() const { return objects_.size(); }
+    std::size_t ObjectCount() const { return count_; }
     void ForEachObject(const std::function<void(const DbObject&)>& fn) const;
 
     // ---- spaces and entities
@@ -180,7 +180,11 @@ private:
         return Get<T>(h) != nullptr ? h : kNullHandle;
     }
 
-    std::unordered_map<Handle, std::unique_ptr<DbObject>> objects_;
+    // Objects by handle: handles are mostly dense (one counter), so most live in a vector
+    // indexed by handle; far-off handles from files go to the map.
+    std::vector<std::unique_ptr<DbObject>> dense_;
+    std::unordered_map<Handle, std::unique_ptr<DbObject>> sparse_;
+    std::size_t count_ = 0;
     Handle nextHandle_ = 1;
     Handle modelSpace_ = kNullHandle;
     Handle paperSpace_ = kNullHandle;

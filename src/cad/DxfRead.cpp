@@ -1,5 +1,6 @@
 // Reading DXF: sections, tables, blocks and objects; the checks and repairs after reading.
 #include <fcntl.h>
+#include <sys/mman.h>
 #include <sys/stat.h>
 #include <unistd.h>
 
@@ -28,6 +29,7 @@ Reader::Reader(std::string_view data, std::string fileName)
 }
 
 bool Reader::ReadRecord(Record& rec) {
+    tok_.ReleaseConsumed();
     RawTag t;
     if (!tok_.Next(t)) {
         return false;
@@ -190,11 +192,13 @@ Parsed Reader::Parse(const Record& rec, bool splitXData) const {
         }
         p.body.push_back(t);
         if (t.code == 100) {
-            std::string marker(Trim(t.value));
+            const std::string_view base = Trim(t.value);
             int seen = 0;
-            for (const auto& s : p.segments) {
-                seen += s.marker == marker || s.marker.rfind(marker + "#", 0) == 0 ? 1 : 0;
+            for (const auto& seg : p.segments) {
+                const std::string_view m = seg.marker;
+                seen += m.substr(0, m.find('#')) == base ? 1 : 0;
             }
+            std::string marker(base);
             if (seen > 0) {
                 marker += "#" + std::to_string(seen + 1);
             }
@@ -391,21 +395,35 @@ std::unique_ptr<Database> ReadDxfFile(const std::string& path) {
         ::close(fd);
         throw DxfError(path, 0, "is not a regular file");
     }
-    std::string data(static_cast<std::size_t>(st.st_size), '\0');
-    std::size_t got = 0;
-    while (got < data.size()) {
-        const ssize_t n = ::read(fd, data.data() + got, data.size() - got);
-        if (n <= 0) {
-            break;
-        }
-        got += static_cast<std::size_t>(n);
-    }
-    ::close(fd);
-    data.resize(got);
-    if (data.empty()) {
+    if (st.st_size == 0) {
+        ::close(fd);
         throw DxfError(path, 0, "the file is empty");
     }
-    return ReadDxfString(data, path);
+    // Mapped, and given back to the system as the reader moves on: a large drawing never
+    // sits in memory twice (as text and as objects).
+    const auto size = static_cast<std::size_t>(st.st_size);
+    void* map = ::mmap(nullptr, size, PROT_READ, MAP_PRIVATE, fd, 0);
+    ::close(fd);
+    if (map == MAP_FAILED) {
+        throw DxfError(path, 0, std::string("cannot be read: ") + std::strerror(errno));
+    }
+    ::madvise(map, size, MADV_SEQUENTIAL);
+    struct Unmap {
+        void* p;
+        std::size_t n;
+        ~Unmap() { ::munmap(p, n); }
+    } unmap{map, size};
+    const std::string_view data(static_cast<const char*>(map), size);
+    dxfread::Reader reader(data, path);
+    reader.SetRelease([map](std::size_t from, std::size_t to) {
+        const std::size_t page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
+        const std::size_t start = (from + page - 1) / page * page;
+        const std::size_t end = to / page * page;
+        if (end > start) {
+            ::madvise(static_cast<char*>(map) + start, end - start, MADV_DONTNEED);
+        }
+    });
+    return reader.Run();
 }
 
 std::unique_ptr<Database> TryReadDxfFile(const std::string& path, std::string& error) {

@@ -32,6 +32,9 @@ class Reader {
 public:
     Reader(std::string_view data, std::string fileName);
     std::unique_ptr<Database> Run();
+    void SetRelease(std::function<void(std::size_t, std::size_t)> release) {
+        tok_.SetRelease(std::move(release));
+    }
 
 private:
     // records

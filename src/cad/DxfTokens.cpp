@@ -39,12 +39,7 @@ Tokenizer::Tokenizer(std::string_view data, std::string fileName)
         Fail(1, "this is not a DXF file (it looks like an image, PDF or archive)",
              head.substr(0, 4));
     }
-    if (const void* nul = std::memchr(data.data(), '\0', data.size())) {
-        const auto at = static_cast<std::size_t>(static_cast<const char*>(nul) - data.data());
-        const long line = 1 + static_cast<long>(std::count(
-                                  data.begin(), data.begin() + static_cast<long>(at), '\n'));
-        Fail(line, "this is not a DXF text file (it holds NUL bytes)");
-    }
+    // NUL bytes are looked for line by line, so the file is only touched once.
 }
 
 void Tokenizer::Fail(long line, const std::string& problem, std::string_view text) const {
@@ -64,7 +59,23 @@ bool Tokenizer::ReadLine(std::string_view& line) {
     }
     line = std::string_view(start, len);
     ++line_;
+    if (std::memchr(start, '\0', len) != nullptr) {
+        Fail(line_, "this is not a DXF text file (it holds NUL bytes)");
+    }
     return true;
+}
+
+void Tokenizer::ReleaseConsumed() {
+    if (!release_) {
+        return;
+    }
+    // Everything before the tag waiting in `peekTag_` (or before the cursor) is done with.
+    const std::size_t upTo =
+        peeked_ ? static_cast<std::size_t>(peekTag_.value.data() - data_.data()) : pos_;
+    if (upTo > released_ + (std::size_t{4} << 20)) {
+        release_(released_, upTo);
+        released_ = upTo;
+    }
 }
 
 bool Tokenizer::Peek(RawTag& tag) {

@@ -1,6 +1,7 @@
 // Splitting DXF text into group code / value pairs, with the line each came from.
 #pragma once
 
+#include <functional>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -27,6 +28,12 @@ public:
     const std::string& FileName() const { return fileName_; }
     long Line() const { return line_; }
     [[noreturn]] void Fail(long line, const std::string& problem, std::string_view text = {}) const;
+    // Called with byte ranges [from, to) of the data that no tag refers to any more, so a
+    // mapped file need not stay in memory whole.
+    void SetRelease(std::function<void(std::size_t, std::size_t)> release) {
+        release_ = std::move(release);
+    }
+    void ReleaseConsumed();
 
 private:
     bool ReadLine(std::string_view& line);
@@ -37,6 +44,8 @@ private:
     std::string fileName_;
     bool peeked_ = false;
     RawTag peekTag_;
+    std::function<void(std::size_t, std::size_t)> release_;
+    std::size_t released_ = 0;
 };
 
 // One object of the file: the tags from its group code 0 up to the next one.

@@ -1,12 +1,18 @@
 // Writing a database as DXF: the sections, tables, blocks and objects.
 #include "cad/DxfWriter.h"
 
+#include <fcntl.h>
+#include <sys/stat.h>
+#include <unistd.h>
+
+#include <cerrno>
 #include <cmath>
+#include <cstring>
+#include <filesystem>
 
 #include "cad/Audit.h"
 #include "cad/Encoding.h"
 #include "cad/NumberText.h"
-#include "host/TextFile.h"
 
 namespace cad {
 
@@ -124,14 +130,15 @@ void Writer::Head(const DbObject& o, const std::string& type, Handle owner, int 
     Hex(330, owner);
 }
 
-std::string Writer::NameOf(Handle record) const {
-    const auto* r = db_.Get<TableRecord>(record);
-    return r == nullptr ? std::string() : r->name;
+const std::string& Writer::NameOf(Handle record) const {
+    static const std::string none;
+    const auto* r = dynamic_cast<const TableRecord*>(db_.Object(record));
+    return r == nullptr ? none : r->name;
 }
 
 // R14 holds at most 31 letters, digits and "$-_" in an application name.
 std::string Writer::AppName(Handle app) const {
-    std::string name = NameOf(app);
+    std::string name = NameOf(app);  // a copy: R14 changes it
     if (version_ != DxfVersion::R14) {
         return name;
     }
@@ -423,21 +430,28 @@ namespace {
 
 class TextSink : public TagSink {
 public:
-    explicit TextSink(std::string& out) : out_(out) {}
-    void Put(int code, std::string_view value) override {
-        if (code < 10) {
-            out_ += "  ";
-        } else if (code < 100) {
-            out_ += ' ';
+    explicit TextSink(std::string& out) : out_(out) {
+        // Group codes right-aligned in three columns, as most writers do.
+        for (int code = 0; code < kCodes; ++code) {
+            std::string c = std::to_string(code);
+            codes_[code] = std::string(c.size() < 3 ? 3 - c.size() : 0, ' ') + c + '\n';
         }
-        out_ += std::to_string(code);
-        out_ += '\n';
+    }
+    void Put(int code, std::string_view value) override {
+        if (code >= 0 && code < kCodes) {
+            out_ += codes_[code];
+        } else {
+            out_ += std::to_string(code);
+            out_ += '\n';
+        }
         out_ += value;
         out_ += '\n';
     }
 
 private:
+    static constexpr int kCodes = 1072;
     std::string& out_;
+    std::string codes_[kCodes];
 };
 
 }  // namespace
@@ -458,16 +472,72 @@ std::string WriteDxfString(const Database& db, DxfVersion version) {
     return out;
 }
 
-void WriteDxfFile(const Database& db, const std::string& path, DxfVersion version) {
-    std::string text;
-    try {
-        text = WriteDxfString(db, version);
-    } catch (const DxfError& e) {
-        throw DxfError(path, 0, e.Problem());
+namespace {
+
+// Streams the tags into a temporary file beside the target; the caller renames it.
+class FileSink : public TagSink {
+public:
+    explicit FileSink(int fd) : fd_(fd) { buffer_.reserve(kChunk + 4096); }
+    void Put(int code, std::string_view value) override {
+        text_.Put(code, value);
+        if (buffer_.size() >= kChunk) {
+            Flush();
+        }
     }
-    std::string error;
-    if (!textfile::WriteWhole(path, text, &error)) {
-        throw DxfError(path, 0, "cannot be written: " + error);
+    void Flush() {
+        std::size_t done = 0;
+        while (ok_ && done < buffer_.size()) {
+            const ssize_t n = ::write(fd_, buffer_.data() + done, buffer_.size() - done);
+            if (n < 0 && errno == EINTR) {
+                continue;
+            }
+            ok_ = n > 0;
+            error_ = ok_ ? 0 : errno;
+            done += ok_ ? static_cast<std::size_t>(n) : 0;
+        }
+        buffer_.clear();
+    }
+    bool Ok() const { return ok_; }
+    int Error() const { return error_; }
+
+private:
+    static constexpr std::size_t kChunk = 1 << 20;
+    int fd_;
+    std::string buffer_;
+    TextSink text_{buffer_};
+    bool ok_ = true;
+    int error_ = 0;
+};
+
+}  // namespace
+
+void WriteDxfFile(const Database& db, const std::string& path, DxfVersion version) {
+    // Audited first, so a drawing that must not be written leaves no trace at all.
+    const auto issues = Audit(db);
+    if (!issues.empty()) {
+        throw DxfError(path, 0, "the drawing fails its audit: " + FormatIssues(issues));
+    }
+    const std::filesystem::path target(path);
+    std::error_code ec;
+    if (target.has_parent_path()) {
+        std::filesystem::create_directories(target.parent_path(), ec);
+    }
+    std::string temp = path + ".tmpXXXXXX";
+    const int fd = ::mkstemp(temp.data());
+    if (fd < 0) {
+        throw DxfError(path, 0, std::string("cannot be written: ") + std::strerror(errno));
+    }
+    FileSink sink(fd);
+    dxfwrite::Writer(db, version, sink).Run();
+    sink.Flush();
+    const bool synced = sink.Ok() && ::fsync(fd) == 0;
+    const int error = sink.Ok() ? errno : sink.Error();
+    ::fchmod(fd, 0644);
+    const bool closed = ::close(fd) == 0;
+    if (!synced || !closed || ::rename(temp.c_str(), path.c_str()) != 0) {
+        const int why = synced && closed ? errno : error;
+        ::unlink(temp.c_str());
+        throw DxfError(path, 0, std::string("cannot be written: ") + std::strerror(why));
     }
 }
 

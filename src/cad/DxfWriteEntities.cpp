@@ -103,7 +103,7 @@ void Writer::EntityCommon(const cad::Entity& e) {
     if (space == db_.PaperSpace() && space != kNullHandle) {
         Raw(67, "1");
     }
-    Str(8, e.layer != kNullHandle ? NameOf(e.layer) : "0");
+    Str(8, e.layer != kNullHandle ? std::string_view(NameOf(e.layer)) : std::string_view("0"));
     if (e.color != kColorByLayer) {
         Int(62, e.color);
     }
@@ -212,7 +212,8 @@ void Writer::TextBody(const cad::Text& t, bool secondAcDbText) {
     if (t.oblique != 0) {
         Real(51, t.oblique * kDegrees);
     }
-    Str(7, t.style != kNullHandle ? NameOf(t.style) : "Standard");
+    Str(7,
+        t.style != kNullHandle ? std::string_view(NameOf(t.style)) : std::string_view("Standard"));
     if (t.horizontal != TextHorz::Left) {
         Int(72, static_cast<int>(t.horizontal));
     }
@@ -246,7 +247,8 @@ void Writer::MTextBody(const cad::MText& t) {
         Raw(3, pieces[i]);
     }
     Raw(1, pieces.back());
-    Str(7, t.style != kNullHandle ? NameOf(t.style) : "Standard");
+    Str(7,
+        t.style != kNullHandle ? std::string_view(NameOf(t.style)) : std::string_view("Standard"));
     Point(11, {std::cos(t.rotation), std::sin(t.rotation), 0});
     Extra(t, "AcDbMText");
     UnusedExtra(t, {"AcDbMText"});

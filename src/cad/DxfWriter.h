@@ -50,7 +50,7 @@ private:
     void UnusedExtra(const cad::Entity& e, std::initializer_list<const char*> used);
     void XData(const cad::Entity& e);
 
-    std::string NameOf(Handle record) const;
+    const std::string& NameOf(Handle record) const;
     std::string AppName(Handle app) const;
     bool R2000Plus() const { return version_ != DxfVersion::R14; }
 

@@ -1,0 +1,141 @@
+// Writes and reads a drawing of 100,000 entities, each with extended data, and compares
+// the times with ezdxf doing the same in the same run. Also reports the memory the
+// database holds per entity and the peak while reading.
+#include <malloc.h>
+#include <unistd.h>
+#include <chrono>
+#include <cstdio>
+#include <cstdlib>
+#include <cstring>
+#include <filesystem>
+#include <fstream>
+#include <string>
+
+#include "cad/Database.h"
+#include "cad/Dxf.h"
+
+namespace {
+
+constexpr int kCount = 100000;
+
+long StatusKb(const char* field) {
+    std::ifstream in("/proc/self/status");
+    std::string line;
+    while (std::getline(in, line)) {
+        if (line.rfind(field, 0) == 0) {
+            return std::atol(line.c_str() + std::strlen(field));
+        }
+    }
+    return 0;
+}
+
+void ResetPeak() {
+    std::ofstream("/proc/self/clear_refs") << "5";
+}
+
+template <class F>
+double Seconds(F&& f) {
+    const auto start = std::chrono::steady_clock::now();
+    f();
+    return std::chrono::duration<double>(std::chrono::steady_clock::now() - start).count();
+}
+
+void Build(cad::Database& db) {
+    cad::Handle previous = cad::kNullHandle;
+    for (int i = 0; i < kCount; ++i) {
+        cad::Entity* e;
+        if (i % 2) {
+            auto* t = db.AppendNew<cad::Text>();
+            t->text = "X" + std::to_string(i);
+            t->height = 2;
+            t->position = {static_cast<double>(i), 0, 0};
+            e = t;
+        } else {
+            auto* l = db.AppendNew<cad::Line>();
+            l->start = {static_cast<double>(i), 0, 0};
+            l->end = {static_cast<double>(i), 10, 0};
+            e = l;
+        }
+        db.AppendXData(*e, "QV_SYMB2_LABEL", cad::XDataItem::String("1"));
+        db.AppendXData(*e, "QV_SYMB2_LABEL", cad::XDataItem::HandleRef(previous));
+        db.AppendXData(*e, "QV_SYMB2_LABEL", cad::XDataItem::Real(i * 0.5));
+        previous = e->handle;
+    }
+}
+
+bool Baseline(const std::string& dir, double& write, double& read) {
+    const std::string cmd = std::string(QV_BENCH_PYTHON) + " " + QV_BENCH_SCRIPT + " " +
+                            std::to_string(kCount) + " " + dir;
+    FILE* p = popen(cmd.c_str(), "r");
+    if (p == nullptr) {
+        return false;
+    }
+    char line[256];
+    int found = 0;
+    while (std::fgets(line, sizeof line, p) != nullptr) {
+        found += std::sscanf(line, "ezdxf write %lf", &write);
+        found += std::sscanf(line, "ezdxf read %lf", &read);
+    }
+    return pclose(p) == 0 && found == 2;
+}
+
+}  // namespace
+
+int main() {
+    const auto dir =
+        std::filesystem::temp_directory_path() / ("bench_cad_" + std::to_string(getpid()));
+    std::filesystem::create_directories(dir);
+    const std::string path = (dir / "bench.dxf").string();
+
+    const long before = StatusKb("VmRSS:");
+    auto db = std::make_unique<cad::Database>();
+    const double build = Seconds([&] { Build(*db); });
+    const long held = StatusKb("VmRSS:") - before;
+    ResetPeak();
+    const long beforeWrite = StatusKb("VmRSS:");
+    const double write = Seconds([&] { cad::WriteDxfFile(*db, path, cad::DxfVersion::R2010); });
+    const long writePeak = StatusKb("VmHWM:") - before;
+    (void)beforeWrite;
+    db.reset();
+    malloc_trim(0);  // give the freed database back, so the read is measured on its own
+
+    ResetPeak();
+    const long baseRss = StatusKb("VmRSS:");
+    std::unique_ptr<cad::Database> back;
+    const double read = Seconds([&] { back = cad::ReadDxfFile(path); });
+    const long peak = StatusKb("VmHWM:") - baseRss;
+    malloc_trim(0);
+    const long afterRead = StatusKb("VmRSS:") - baseRss;
+    if (back->Entities().size() != kCount) {
+        std::fprintf(stderr, "read back %zu entities instead of %d\n", back->Entities().size(),
+                     kCount);
+        return 1;
+    }
+
+    std::printf("entities: %d, each with 3 extended-data items; file %.1f MB\n", kCount,
+                std::filesystem::file_size(path) / 1e6);
+    std::printf("build %.3f s\n", build);
+    std::printf("write %.3f s\n", write);
+    std::printf("read  %.3f s\n", read);
+    std::printf(
+        "memory held by the built database: %.0f bytes per entity; peak while writing: %.0f\n",
+        held * 1024.0 / kCount, writePeak * 1024.0 / kCount);
+    std::printf(
+        "memory after reading: %.0f bytes per entity; peak while reading: %.0f bytes per entity\n",
+        afterRead * 1024.0 / kCount, peak * 1024.0 / kCount);
+    if (std::getenv("QV_BENCH_NO_BASELINE") != nullptr) {
+        std::filesystem::remove_all(dir);
+        return 0;
+    }
+    double ezWrite = 0, ezRead = 0;
+    if (!Baseline(dir.string(), ezWrite, ezRead)) {
+        std::printf("baseline: ezdxf did not run\n");
+        std::filesystem::remove_all(dir);
+        return 1;
+    }
+    std::printf("baseline ezdxf: write %.3f s, read %.3f s\n", ezWrite, ezRead);
+    std::printf("ratio vs ezdxf: write %.1fx faster, read %.1fx faster (goal 20x)\n",
+                ezWrite / write, ezRead / read);
+    std::filesystem::remove_all(dir);
+    return 0;
+}
