@@ -31,7 +31,7 @@ struct SymbolDesign {
 // Every symbol marks where its number goes (beside the middle of the lead) and where its
 // description goes (beyond the free end).
 void TextPoints(SymbolSketch& s, double length) {
-    s.TextPoint(-length / 2, 1.3);
+    s.TextPoint(-length / 2, 2.3);
     s.TextPoint(1.0, 0);
 }
 
