@@ -186,3 +186,27 @@ TEST(Picture, BoundsCoverWideSegmentsAndEstimatedTexts) {
     bounds.Text(right, kBlack);
     EXPECT_LT(bounds.Bounds().min.x, -4);  // two wide characters reach left of the anchor
 }
+
+TEST(Picture, AbsurdGeometryIsRefusedOrDrawnButNeverHangs) {
+    TempDir dir;
+    std::string error;
+    const auto huge = [](Canvas& c) { c.Line({0, 0}, {1e300, -1e300}, kBlack); };
+    EXPECT_FALSE(WritePicture(huge, (dir / "huge.png").string(), {}, error));
+    EXPECT_NE(error.find("1e15"), std::string::npos) << error;
+    // A text a million times the drawing's size next to a small line: drawn without it.
+    const auto giantText = [](Canvas& c) {
+        c.Line({0, 0}, {10, 10}, kBlack);
+        TextLine line = Label("巨", {5, 5}, 1e-3);
+        c.Text(line, kBlack);
+        line.height = 1e7;
+        line.anchor = {0, 0};
+        CairoCanvas* cairo = dynamic_cast<CairoCanvas*>(&c);
+        if (cairo) {  // only the painting pass: the bounds pass would grow the view
+            c.Text(line, kBlack);
+        }
+    };
+    ASSERT_TRUE(WritePicture(giantText, (dir / "giant.png").string(), {}, error)) << error;
+    PixelImage image((dir / "giant.png").string());
+    ASSERT_TRUE(image.Ok());
+    EXPECT_GT(image.Count(IsDark), 100);  // the line is there
+}

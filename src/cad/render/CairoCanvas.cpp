@@ -150,7 +150,9 @@ double CairoCanvas::Advance(const std::string& text, double height, double width
 
 void CairoCanvas::Text(const TextLine& line, Rgb colour) {
     const double fontPx = line.height * view_.scale / capRatio_;
-    if (line.text.empty() || !(fontPx > 0.05) || !std::isfinite(fontPx)) {
+    // Texts too small to see are left out, and so are texts far larger than any picture,
+    // which the font rasteriser would take ages over.
+    if (line.text.empty() || !(fontPx > 0.05) || !(fontPx < 1e5)) {
         return;
     }
     const double natural = Advance(line.text, line.height, 1.0);

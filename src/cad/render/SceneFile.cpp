@@ -96,7 +96,15 @@ bool WritePicture(const DrawOn& draw, const std::string& path, const PictureOpti
     }
     BoundsCanvas bounds;
     draw(bounds);
-    const Layout layout = FitView(bounds.Bounds(), options);
+    const Box& box = bounds.Bounds();
+    // Beyond this a picture can no longer tell one point from the next anyway, and the
+    // arithmetic of the view would overflow.
+    constexpr double kLargest = 1e15;
+    if (!box.Empty() && !(box.Width() < kLargest && box.Height() < kLargest)) {
+        error = "'" + path + "': the drawing spans more than 1e15 units; nothing was drawn";
+        return false;
+    }
+    const Layout layout = FitView(box, options);
 
     std::string bytes;
     cairo_status_t status;
