@@ -282,6 +282,9 @@ void Database::ClearBlock(Handle block) {
         for (Handle h : b->entities) {
             Erase(h);
         }
+        // The erased entities stay reachable by handle; the block's list forgets them, so a
+        // block redefined again and again does not grow.
+        b->entities.clear();
     }
 }
 

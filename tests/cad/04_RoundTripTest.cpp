@@ -91,6 +91,8 @@ TEST(RoundTrip, EveryFieldHandleAndItemComesBackInEveryVersion) {
         auto back = ReadDxfString(WriteDxfString(s.db, v), "sample.dxf");
         EXPECT_TRUE(back->Repairs().empty()) << back->Repairs().front();
         EXPECT_EQ(back->HandleSeed(), s.db.HandleSeed());
+        EXPECT_EQ(back->HeaderString("$ACADVER"), AcadVer(v));
+        EXPECT_EQ(back->HeaderString("$DWGCODEPAGE"), "ANSI_936");
         for (const Entity* e : s.db.Entities()) {
             const Entity* f = back->Get<Entity>(e->handle);
             ASSERT_NE(f, nullptr) << e->TypeName() << " " << e->handle;

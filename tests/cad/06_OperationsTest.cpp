@@ -175,6 +175,7 @@ TEST(Operations, InsertAsBlockCopiesContentNamesAndLinks) {
     // Inserting again redefines the block instead of doubling it.
     EXPECT_EQ(InsertAsBlock(target, *side, "SYMB2_S_KTR5"), block);
     EXPECT_EQ(target.Entities(block).size(), 2u);
+    EXPECT_EQ(target.Block(block)->entities.size(), 2u);  // redefinitions do not pile up
     EXPECT_EQ(InsertAsBlock(target, *side, "*Model_Space"), kNullHandle);
     EXPECT_TRUE(Audit(target).empty()) << FormatIssues(Audit(target));
 }
