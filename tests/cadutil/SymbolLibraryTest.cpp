@@ -2,6 +2,7 @@
 // direction marker, measures to the direction it is drawn in, and marks its text points.
 #include <gtest/gtest.h>
 
+#include <algorithm>
 #include <cmath>
 #include <filesystem>
 #include <fstream>
@@ -150,11 +151,23 @@ TEST(SymbolLibrary, EverySymbolMeasuresToTheDirectionItIsDrawnIn) {
         EXPECT_LE(length, 3.0);
         // The first text point, beside the lead, and the second beyond the free end.
         const auto points = CGetSymbData::PointsOfSpace(*db, db->ModelSpace());
-        ASSERT_EQ(points.size(), 2u);
-        EXPECT_EQ(DirectionOf(points[1].point.x, points[1].point.y), listedDirection);
         const cad::Handle layer = db->FindLayer(kTermTextPointLayer);
         ASSERT_NE(db->Layer(layer), nullptr);
         EXPECT_LT(db->Layer(layer)->color, 0) << "the text points' layer is off";
+        ASSERT_EQ(points.size(), 2u);
+        EXPECT_EQ(DirectionOf(points[1].point.x, points[1].point.y), listedDirection);
+        // A number of height 2 centred on the first point must clear the terminal.
+        const bool across = listedDirection >= 2;  // the lead lies along X: width is in Y
+        double halfWidth = 0;
+        for (const cad::Entity* e : db->Entities()) {
+            cad::Point3d lo, hi;
+            if (e->layer != layer && cadutil::EntityExtents(*db, *e, lo, hi)) {
+                halfWidth = std::max(
+                    {halfWidth, std::abs(across ? lo.y : lo.x), std::abs(across ? hi.y : hi.x)});
+            }
+        }
+        const double offset = std::abs(across ? points[0].point.y : points[0].point.x);
+        EXPECT_GE(offset - 1.0, halfWidth + 0.2) << "number would touch the terminal";
     }
 }
 

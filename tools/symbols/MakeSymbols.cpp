@@ -28,10 +28,11 @@ struct SymbolDesign {
     double length = 2.5;  // from the inner end of the lead to the free end
 };
 
-// Every symbol marks where its number goes (beside the middle of the lead) and where its
-// description goes (beyond the free end).
+// Every symbol marks where its number goes (beside the middle of the lead, clear of the
+// terminal by the half height of a number of height 2 and a gap) and where its description
+// goes (beyond the free end).
 void TextPoints(SymbolSketch& s, double length) {
-    s.TextPoint(-length / 2, 2.3);
+    s.TextPoint(-length / 2, s.HalfWidth() + 1.3);
     s.TextPoint(1.0, 0);
 }
 

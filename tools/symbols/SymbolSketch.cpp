@@ -1,5 +1,6 @@
 #include "SymbolSketch.h"
 
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -36,20 +37,28 @@ cad::Point3d SymbolSketch::Turn(double x, double y) const {
     }
 }
 
+void SymbolSketch::Reach(double y, double margin) {
+    halfWidth_ = std::max(halfWidth_, std::abs(y) + margin);
+}
+
 void SymbolSketch::Line(double x0, double y0, double x1, double y1) {
     auto* line = db_.AppendNew<cad::Line>();
+    Reach(y0);
+    Reach(y1);
     line->start = Turn(x0, y0);
     line->end = Turn(x1, y1);
 }
 
 void SymbolSketch::Circle(double cx, double cy, double r) {
     auto* circle = db_.AppendNew<cad::Circle>();
+    Reach(cy, r);
     circle->center = Turn(cx, cy);
     circle->radius = r;
 }
 
 void SymbolSketch::Arc(double cx, double cy, double r, double startDeg, double endDeg) {
     auto* arc = db_.AppendNew<cad::Arc>();
+    Reach(cy, r);
     arc->center = Turn(cx, cy);
     arc->radius = r;
     arc->startAngle = std::fmod(startDeg + 90.0 * quarterTurns_, 360.0) * kDeg;
@@ -64,6 +73,7 @@ cad::LwPolyline* SymbolSketch::Poly(const std::vector<cad::Point3d>& points, boo
                                     double width) {
     auto* pl = db_.AppendNew<cad::LwPolyline>();
     for (const auto& p : points) {
+        Reach(p.y, width / 2);
         const cad::Point3d q = Turn(p.x, p.y);
         cad::LwVertex v;
         v.x = q.x;
@@ -76,6 +86,7 @@ cad::LwPolyline* SymbolSketch::Poly(const std::vector<cad::Point3d>& points, boo
 }
 
 cad::LwPolyline* SymbolSketch::Disc(double cx, double cy, double r) {
+    Reach(cy, r);
     cad::LwPolyline* pl = Poly({{cx - r / 2, cy, 0}, {cx + r / 2, cy, 0}}, true, r);
     for (auto& v : pl->vertices) {
         v.bulge = 1.0;

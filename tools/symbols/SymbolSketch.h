@@ -31,12 +31,17 @@ public:
     void TextPoint(double x, double y);
 
     cad::Database& Db() { return db_; }
+    // How far the sketch reaches to either side of the lead's axis so far.
+    double HalfWidth() const { return halfWidth_; }
 
 private:
     cad::Point3d Turn(double x, double y) const;
 
     cad::Database db_;
+    void Reach(double y, double margin = 0);
+
     int quarterTurns_ = 0;  // counter-clockwise
+    double halfWidth_ = 0;
     cad::Handle pointLayer_;
 };
 
