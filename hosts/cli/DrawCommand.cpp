@@ -226,7 +226,9 @@ std::unique_ptr<cad::Database> OpenDrawing(const std::string& path) {
 // The host variables of the drawing, as a CAD host has them for an open file.
 void DescribeDrawing(CliHost& host, const std::string& path) {
     const std::filesystem::path file = std::filesystem::absolute(path);
-    host.variables["DWGPREFIX"] = file.parent_path().string() + "/";
+    std::string prefix = file.parent_path().string();
+    prefix.push_back('/');
+    host.variables["DWGPREFIX"] = prefix;
     host.variables["DWGNAME"] = file.filename().string();
     host.variables["DWGTITLED"] = std::filesystem::exists(file) ? "1" : "0";
 }

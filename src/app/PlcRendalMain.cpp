@@ -2,9 +2,13 @@
 
 #include <filesystem>
 
+#include "draw/DlgPlcRendal.h"
+#include "draw/SheetDrawing.h"
 #include "host/Host.h"
 #include "host/SuiteServices.h"
 #include "plclib/PlcLib.h"
+
+CDlgPlcRendal* g_pDlgPlcRendal = nullptr;
 
 namespace app {
 namespace {
@@ -24,6 +28,80 @@ std::string Format(const char* format, const std::string& value) {
     return text;
 }
 
+// Closing the dialog destroys it: the pointer goes with the object.
+void ForgetDialog(CDlgPlcRendal* dlg) {
+    if (g_pDlgPlcRendal == dlg) {
+        g_pDlgPlcRendal = nullptr;
+    }
+    delete dlg;
+}
+
+// The dialog is created once, hidden; a dialog whose window cannot be created (its library
+// does not open) is dropped at once.
+bool EnsureDialog() {
+    if (g_pDlgPlcRendal != nullptr) {
+        return true;
+    }
+    g_pDlgPlcRendal = new CDlgPlcRendal();
+    g_pDlgPlcRendal->onClosed = ForgetDialog;
+    if (!g_pDlgPlcRendal->Create()) {
+        delete g_pDlgPlcRendal;
+        g_pDlgPlcRendal = nullptr;
+    }
+    return g_pDlgPlcRendal != nullptr;
+}
+
+void ShowDialog(CDlgPlcRendal& dlg) {
+    dlg.Show();
+    dlg.Activate();
+    if (dlg.minimized) {
+        dlg.Restore();
+    }
+}
+
+// A network client without a local copy of the library marks its copy out of date, so that
+// the next fetch from the server replaces it.
+void PrepareNetworkCopy(const std::string& libraryPath) {
+    const int style = suite::GetCurZandrixInstallStyle();
+    if ((style == 1 || style == 2) && !std::filesystem::exists(libraryPath)) {
+        std::error_code ec;
+        std::filesystem::remove(
+            suite::PathJoin(suite::GetZandrixLocalInstallPath(), "PLC/QvPLC.tim"), ec);
+    }
+}
+
+using SheetDraw = void (*)(CDlgPlcRendal&, cad::Database&);
+
+// The common part of RENDALFULL and DIVRENDAL: reshow the dialog, or draw what it asked for.
+void RunDrawingCommand(SheetDraw drawing) {
+    WaitCursor wait;
+    host::Current().ActivateMainWindow();
+    CDlgPlcRendal* dlg = g_pDlgPlcRendal;
+    if (dlg == nullptr) {
+        return;
+    }
+    if (dlg->reshowPending) {
+        ShowDialog(*dlg);
+        dlg->reshowPending = false;
+        return;
+    }
+    if (dlg->drawPending) {
+        if (cad::Database* db = host::Current().WorkingDatabase()) {
+            drawing(*dlg, *db);
+        }
+        dlg->drawPending = false;
+        return;
+    }
+    dlg->Restore();
+}
+
+void DrawWholeSheet(CDlgPlcRendal& dlg, cad::Database& db) {
+    DrawFullSheet(dlg, db);
+}
+void DrawInPieces(CDlgPlcRendal& dlg, cad::Database& db) {
+    DrawDivided(dlg, db);
+}
+
 }  // namespace
 
 std::string LibraryPath() {
@@ -31,6 +109,7 @@ std::string LibraryPath() {
 }
 
 void CPlcRendalMain::RunRendal() {
+    PrepareNetworkCopy(LibraryPath());
     WaitCursor wait;
     const std::string path = LibraryPath();
     if (!std::filesystem::exists(path)) {
@@ -39,20 +118,26 @@ void CPlcRendalMain::RunRendal() {
         return;
     }
     host::Current().ActivateMainWindow();
-    CPlcLib library;
-    library.Open(path);
+    if (!EnsureDialog()) {
+        return;
+    }
+    g_pDlgPlcRendal->Refresh();
+    ShowDialog(*g_pDlgPlcRendal);
 }
 
 void CPlcRendalMain::RunRendalFull() {
-    WaitCursor wait;
-    host::Current().ActivateMainWindow();
+    RunDrawingCommand(DrawWholeSheet);
 }
 
 void CPlcRendalMain::RunDivRendal() {
-    WaitCursor wait;
-    host::Current().ActivateMainWindow();
+    RunDrawingCommand(DrawInPieces);
 }
 
-void DestroyPluginDialogs() {}
+void DestroyPluginDialogs() {
+    if (g_pDlgPlcRendal != nullptr && g_pDlgPlcRendal->DestroyWindow()) {
+        delete g_pDlgPlcRendal;
+        g_pDlgPlcRendal = nullptr;
+    }
+}
 
 }  // namespace app

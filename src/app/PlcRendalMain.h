@@ -3,6 +3,12 @@
 
 #include <string>
 
+class CDlgPlcRendal;
+
+// The one drawing dialog of the process: null until the first PLCRENDAL, and again after the
+// dialog was closed or the plug-in unloaded.
+extern CDlgPlcRendal* g_pDlgPlcRendal;
+
 namespace app {
 
 class CPlcRendalMain {
