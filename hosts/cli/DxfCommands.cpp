@@ -235,10 +235,15 @@ int RunRender(const Arguments& args) {
         return kExitUsage;
     }
     std::string error;
-    if (!cad::render::RenderToFile(*db, parsed->positional[1], options, error)) {
+    cad::render::WalkCounts counts;
+    if (!cad::render::RenderToFile(*db, parsed->positional[1], options, error, &counts)) {
         std::fprintf(stderr, "qvplc: %s\n", error.c_str());
         return kExitFailure;
     }
+    std::printf(
+        "%s: %d entities drawn, %d left out (hidden, on layers that are off, or of "
+        "kinds not drawn)\n",
+        parsed->positional[1].c_str(), counts.drawn, counts.skipped);
     return kExitOk;
 }
 

@@ -78,6 +78,8 @@ TEST(DxfRender, DrawsASymbolWithItsRedMarker) {
     ASSERT_EQ(
         Qv("dxf render " + Symbol("SYMB2_S_KTR5") + " " + png.string() + " --width 300", &out), 0)
         << out;
+    // Line, circle and marker drawn; the two text points on their layer that is off not.
+    EXPECT_NE(out.find("3 entities drawn, 2 left out"), std::string::npos) << out;
     PixelImage image(png.string());
     ASSERT_TRUE(image.Ok());
     EXPECT_EQ(image.Width(), 300);
