@@ -140,8 +140,9 @@ TEST_F(TermSymbolFileTest, MissingOrNonDrawingFilesAreReported) {
     EXPECT_FALSE(error.empty());
 }
 
-// Every shipped symbol measures, by this program's reader and rule, to the way its lead runs
-// from its base point to its marker, as an independent reader sees them.
+// Every shipped symbol measures, by this program's reader and rule, to the direction an
+// independent reader sees (from the rest of the visible drawing to the marker) and to the
+// direction the symbol list declares for it.
 TEST(ShippedTermSymbols, EachMeasuresToTheDirectionItsDrawingShows) {
     const auto folder = testing_support::CommonResDir() / "SYMB2LIB";
     std::vector<std::filesystem::path> symbols;
@@ -172,6 +173,17 @@ TEST(ShippedTermSymbols, EachMeasuresToTheDirectionItsDrawingShows) {
             shown[line.substr(second + 1)] = line.substr(0, second);
         }
     }
+    // symbols.txt: name <TAB> direction <TAB> caption.
+    std::map<std::string, int> declared;
+    std::istringstream list(
+        testing_support::ReadFile(testing_support::SourceDir() / "res/SYMB2LIB/symbols.txt"));
+    for (std::string line; std::getline(list, line);) {
+        const auto tab = line.find('\t');
+        if (tab != std::string::npos && tab + 1 < line.size()) {
+            declared[line.substr(0, tab)] = line[tab + 1] - '0';
+        }
+    }
+    EXPECT_GE(declared.size(), 25u);
     for (const auto& symbol : symbols) {
         const std::string seen = shown[symbol.string()];
         ASSERT_TRUE(!seen.empty() && seen[0] >= '0' && seen[0] <= '3')
@@ -181,6 +193,9 @@ TEST(ShippedTermSymbols, EachMeasuresToTheDirectionItsDrawingShows) {
         EXPECT_EQ(m->direction, seen[0] - '0') << symbol.filename();
         EXPECT_GT(m->length, 0.0f) << symbol.filename();
         const std::string stem = symbol.stem().string();
+        if (const auto it = declared.find(stem); it != declared.end()) {
+            EXPECT_EQ(m->direction, it->second) << stem << " as symbols.txt lists it";
+        }
         if (stem == "SYMB2_S_KTR5" || stem == "SYMB2_S_KTR17" || stem == "SYMB2_S_KTR211") {
             EXPECT_EQ(m->direction, 2) << stem << " is a format default and points right";
         }
