@@ -21,8 +21,8 @@ std::vector<std::string> ParsedArgs::Values(const std::string& name) const {
 
 namespace {
 
-const OptionSpec* Find(const CommandSpec& spec, const std::string& name) {
-    for (const auto& option : spec.options) {
+const OptionSpec* Find(const CommandSpec& command, const std::string& name) {
+    for (const auto& option : command.options) {
         if (option.name == name) {
             return &option;
         }
@@ -30,14 +30,14 @@ const OptionSpec* Find(const CommandSpec& spec, const std::string& name) {
     return nullptr;
 }
 
-void UsageError(const CommandSpec& spec, const std::string& message) {
+void UsageError(const CommandSpec& command, const std::string& message) {
     std::fprintf(stderr, "qvplc: %s\nusage: %s\nTry '%s --help' for more.\n", message.c_str(),
-                 spec.usage.c_str(), spec.usage.substr(0, spec.usage.find(' ', 6)).c_str());
+                 command.usage.c_str(), command.usage.substr(0, command.usage.find(' ', 6)).c_str());
 }
 
 }  // namespace
 
-std::optional<ParsedArgs> Parse(const CommandSpec& spec, const std::vector<std::string>& args) {
+std::optional<ParsedArgs> Parse(const CommandSpec& command, const std::vector<std::string>& args) {
     ParsedArgs parsed;
     for (size_t i = 0; i < args.size(); ++i) {
         const std::string& arg = args[i];
@@ -55,19 +55,19 @@ std::optional<ParsedArgs> Parse(const CommandSpec& spec, const std::vector<std::
             inlineValue = name.substr(eq + 1);
             name = name.substr(0, eq);
         }
-        const OptionSpec* option = Find(spec, name);
+        const OptionSpec* option = Find(command, name);
         if (!option) {
-            UsageError(spec, "unknown option --" + name);
+            UsageError(command, "unknown option --" + name);
             return std::nullopt;
         }
         auto& values = parsed.options[name];
         if (!option->repeatable && !values.empty()) {
-            UsageError(spec, "--" + name + " given twice");
+            UsageError(command, "--" + name + " given twice");
             return std::nullopt;
         }
         if (option->valueName.empty()) {
             if (inlineValue) {
-                UsageError(spec, "--" + name + " takes no value");
+                UsageError(command, "--" + name + " takes no value");
                 return std::nullopt;
             }
             values.push_back("1");
@@ -76,18 +76,18 @@ std::optional<ParsedArgs> Parse(const CommandSpec& spec, const std::vector<std::
         } else if (i + 1 < args.size()) {
             values.push_back(args[++i]);
         } else {
-            UsageError(spec, "--" + name + " needs a value (" + option->valueName + ")");
+            UsageError(command, "--" + name + " needs a value (" + option->valueName + ")");
             return std::nullopt;
         }
     }
     return parsed;
 }
 
-std::string HelpText(const CommandSpec& spec) {
-    std::string text = "usage: " + spec.usage + "\n\n" + spec.summary + "\n";
-    if (!spec.options.empty()) {
+std::string HelpText(const CommandSpec& command) {
+    std::string text = "usage: " + command.usage + "\n\n" + command.summary + "\n";
+    if (!command.options.empty()) {
         text += "\nOptions:\n";
-        for (const auto& option : spec.options) {
+        for (const auto& option : command.options) {
             std::string left = "  --" + option.name;
             if (!option.valueName.empty()) {
                 left += " " + option.valueName;
@@ -101,8 +101,8 @@ std::string HelpText(const CommandSpec& spec) {
         }
     }
     text += "  --help                  show this text\n";
-    if (!spec.details.empty()) {
-        text += "\n" + spec.details + "\n";
+    if (!command.details.empty()) {
+        text += "\n" + command.details + "\n";
     }
     text += std::string("\n") + kExitCodesHelp;
     return text;

@@ -32,9 +32,9 @@ struct CommandSpec {
     std::string details;      // examples and notes, printed after the options
 };
 
-// Parses `args` against `spec`. On a usage error prints it with a hint and returns nullopt.
-std::optional<ParsedArgs> Parse(const CommandSpec& spec, const std::vector<std::string>& args);
-std::string HelpText(const CommandSpec& spec);
+// Parses `args` against `command`. On a usage error prints it with a hint and returns nullopt.
+std::optional<ParsedArgs> Parse(const CommandSpec& command, const std::vector<std::string>& args);
+std::string HelpText(const CommandSpec& command);
 
 // Options every command that may ask a question accepts.
 OptionSpec YesOption();

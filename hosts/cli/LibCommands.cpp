@@ -170,7 +170,7 @@ int RunMigrate(const ParsedArgs& args) {
 
 struct Subcommand {
     const char* name;
-    const CommandSpec* spec;
+    const CommandSpec* command;
     size_t positional;
     int (*run)(const ParsedArgs& args);
 };
@@ -202,17 +202,17 @@ int RunLib(const Arguments& args, CliHost& host) {
         if (args[0] != sub.name) {
             continue;
         }
-        auto parsed = Parse(*sub.spec, Arguments(args.begin() + 1, args.end()));
+        auto parsed = Parse(*sub.command, Arguments(args.begin() + 1, args.end()));
         if (!parsed) {
             return kExitUsage;
         }
         if (parsed->help) {
-            std::printf("%s", HelpText(*sub.spec).c_str());
+            std::printf("%s", HelpText(*sub.command).c_str());
             return kExitOk;
         }
         if (parsed->positional.size() != sub.positional) {
             std::fprintf(stderr, "qvplc: %s takes %zu argument%s\nusage: %s\n", sub.name,
-                         sub.positional, sub.positional == 1 ? "" : "s", sub.spec->usage.c_str());
+                         sub.positional, sub.positional == 1 ? "" : "s", sub.command->usage.c_str());
             return kExitUsage;
         }
         return sub.run(*parsed);

@@ -14,21 +14,21 @@ struct TableSpec {
 };
 
 const TableSpec& ModuleSpec() {
-    static const TableSpec spec{
+    static const TableSpec layout{
         "(CODE CHAR(60) NOT NULL,POINTS  CHAR(60),TYPE CHAR(60),DESCRIPTION CHAR(60),"
         "RATING CHAR(60),primary key(CODE))",
         {"CODE", "POINTS", "TYPE", "DESCRIPTION", "RATING"},
         {false, false, false, false, false}};
-    return spec;
+    return layout;
 }
 
 const TableSpec& TerminalSpec() {
-    static const TableSpec spec{
+    static const TableSpec layout{
         "_data(CODE CHAR(60) NOT NULL,SEQUENCE int NOT NULL,TermValue CHAR(60),TERMDESC "
         "CHAR(60),DETAILTERMDESC MEMO,primary key(CODE,SEQUENCE))",
         {"CODE", "SEQUENCE", "TermValue", "TERMDESC", "DETAILTERMDESC"},
         {false, true, false, false, false}};
-    return spec;
+    return layout;
 }
 
 bool IsInteger(const std::string& text) {
@@ -165,14 +165,14 @@ bool Convert(ITableSource& source, Connection& db, const MigrationOptions& optio
             continue;
         }
         ++report.tables;
-        for (const auto* spec : {&ModuleSpec(), &TerminalSpec()}) {
-            const std::string name = table + (spec == &ModuleSpec() ? "" : "_data");
+        for (const auto* layout : {&ModuleSpec(), &TerminalSpec()}) {
+            const std::string name = table + (layout == &ModuleSpec() ? "" : "_data");
             if (FindTable(names, name).empty()) {
                 report.problems.push_back("PLC_MANUFACTURER names table " + name +
                                           ", which the file does not hold; it is left empty");
             } else {
-                converter.CopyRows(name, name, spec->columns, spec->numeric,
-                                   spec == &ModuleSpec() ? report.modules : report.terminals);
+                converter.CopyRows(name, name, layout->columns, layout->numeric,
+                                   layout == &ModuleSpec() ? report.modules : report.terminals);
             }
         }
         if (options.progress) {
