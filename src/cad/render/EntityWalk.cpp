@@ -61,6 +61,9 @@ private:
 
     void One(const Entity& e, const Context& ctx);
     void Reference(const BlockReference& ref, int colour, Handle layer, const Context& ctx);
+    // Each draws the entity when it is of its kinds; false for other kinds.
+    bool Geometry(const Entity& e, Rgb colour, const Matrix3d& m);
+    bool Texts(const Entity& e, Rgb colour, const Matrix3d& m, const Context& ctx);
     // `shown` replaces the text's own string (an attribute definition shows its tag).
     void DrawText(const Text& text, const std::string& shown, Rgb colour, const Matrix3d& m);
     void DrawMText(const MText& text, Rgb colour, const Matrix3d& m);
@@ -102,19 +105,29 @@ void Walker::One(const Entity& e, const Context& ctx) {
     const int index = ColourIndex(e, layer, ctx);
     const Rgb colour = PaintColour(index, options_.background);
     const Matrix3d& m = ctx.toWorld;
+    bool drawn = true;
+    if (e.Kind() == ObjectKind::BlockReference) {
+        Reference(static_cast<const BlockReference&>(e), index, layer, ctx);
+    } else {
+        drawn = Geometry(e, colour, m) || Texts(e, colour, m, ctx);
+    }
+    ++(drawn ? counts.drawn : counts.skipped);
+}
+
+bool Walker::Geometry(const Entity& e, Rgb colour, const Matrix3d& m) {
     switch (e.Kind()) {
         case ObjectKind::Line: {
             const auto& line = static_cast<const Line&>(e);
             canvas_.Line(At(m, line.start), At(m, line.end), colour);
-            break;
+            return true;
         }
         case ObjectKind::LwPolyline:
             DrawPolyline(static_cast<const LwPolyline&>(e), colour, m);
-            break;
+            return true;
         case ObjectKind::Circle: {
             const auto& circle = static_cast<const Circle&>(e);
             canvas_.Circle(At(m, circle.center), circle.radius * MeanScale(m), colour);
-            break;
+            return true;
         }
         case ObjectKind::Arc: {
             const auto& arc = static_cast<const Arc&>(e);
@@ -123,37 +136,38 @@ void Walker::One(const Entity& e, const Context& ctx) {
                 std::swap(a0, a1);
             }
             canvas_.Arc(At(m, arc.center), arc.radius * MeanScale(m), a0, a1, colour);
-            break;
+            return true;
         }
         case ObjectKind::Point:
             canvas_.Dot(At(m, static_cast<const PointEntity&>(e).position), colour);
-            break;
+            return true;
+        default:
+            return false;
+    }
+}
+
+bool Walker::Texts(const Entity& e, Rgb colour, const Matrix3d& m, const Context& ctx) {
+    switch (e.Kind()) {
         case ObjectKind::AttributeDefinition: {
             if (ctx.insideReference) {
-                ++counts.skipped;
-                return;
+                return false;
             }
             const auto& def = static_cast<const AttributeDefinition&>(e);
             DrawText(def, def.tag, colour, m);
-            break;
+            return true;
         }
         case ObjectKind::Attribute:
         case ObjectKind::Text: {
             const auto& text = static_cast<const Text&>(e);
             DrawText(text, text.text, colour, m);
-            break;
+            return true;
         }
         case ObjectKind::MText:
             DrawMText(static_cast<const MText&>(e), colour, m);
-            break;
-        case ObjectKind::BlockReference:
-            Reference(static_cast<const BlockReference&>(e), index, layer, ctx);
-            break;
+            return true;
         default:
-            ++counts.skipped;
-            return;
+            return false;
     }
-    ++counts.drawn;
 }
 
 void Walker::Reference(const BlockReference& ref, int colour, Handle layer, const Context& ctx) {
