@@ -5,6 +5,7 @@
 #include <algorithm>
 #include <filesystem>
 #include <numbers>
+#include <vector>
 
 #include "PixelImage.h"
 #include "TestPaths.h"
@@ -209,4 +210,23 @@ TEST(Picture, AbsurdGeometryIsRefusedOrDrawnButNeverHangs) {
     PixelImage image((dir / "giant.png").string());
     ASSERT_TRUE(image.Ok());
     EXPECT_GT(image.Count(IsDark), 100);  // the line is there
+}
+
+TEST(Picture, SvgCarriesTheOutlinesOfChineseGlyphs) {
+    // Viewers of the SVG need no CJK font: each glyph travels as an outline of its own.
+    TempDir dir;
+    std::string error;
+    const auto draw = [](Canvas& c) { c.Text(Label("端子端", {0, 0}, 5), kBlack); };
+    ASSERT_TRUE(WritePicture(draw, (dir / "t.svg").string(), {}, error)) << error;
+    const std::string svg = ReadFile(dir / "t.svg");
+    // Three characters are placed, from two outlines: the repeated one is shared.
+    std::vector<std::string> uses;
+    const std::string key = "xlink:href=\"#glyph";
+    for (size_t at = svg.find(key); at != std::string::npos; at = svg.find(key, at + 1)) {
+        uses.push_back(svg.substr(at, svg.find('"', at + key.size()) - at));
+    }
+    ASSERT_EQ(uses.size(), 3u);
+    EXPECT_NE(uses[0], uses[1]);
+    EXPECT_EQ(uses[0], uses[2]);
+    EXPECT_EQ(svg.find("<text"), std::string::npos);
 }
