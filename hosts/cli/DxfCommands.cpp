@@ -134,11 +134,11 @@ void PrintInfo(const cad::Database& db, const std::string& path) {
     std::printf("layers: %s\n", Join(layers).c_str());
     std::printf("blocks: %zu\n", blocks.size());
     for (const auto& [name, count] : blocks) {
-        std::printf("  %s (%zu entities)\n", name.c_str(), count);
+        std::printf("  %s (%zu %s)\n", name.c_str(), count, count == 1 ? "entity" : "entities");
     }
     std::printf("extended data: %zu applications\n", apps.size());
     for (const auto& [name, count] : apps) {
-        std::printf("  %s on %d entities\n", name.c_str(), count);
+        std::printf("  %s on %d %s\n", name.c_str(), count, count == 1 ? "entity" : "entities");
     }
 }
 
