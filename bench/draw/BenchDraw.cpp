@@ -1,17 +1,18 @@
-// Module drawing speed: one 64-terminal module end to end (preview drawing and file, drag
-// placement, drawing into the working drawing, saving it) and a batch of 1,000 sixteen-
+// Module drawing speed, in processor time: one 64-terminal module end to end (preview drawing and
+// file, drag placement, drawing into the working drawing, saving it) and a batch of 1,000 sixteen-
 // terminal modules drawn at their points into one drawing (symbol read, header, outline,
 // terminals, links, part record) and saved once. Each figure is compared with ezdxf writing the
 // same final entities (blocks, texts, references, polylines, extended-data links) in the same run.
 #include <stdlib.h>
 
+#include <time.h>
 #include <algorithm>
-#include <chrono>
 #include <cmath>
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
+#include <vector>
 
 #include "cad/Dxf.h"
 #include "draw/DlgPlcRendal.h"
@@ -21,7 +22,16 @@
 
 namespace {
 
-using Clock = std::chrono::steady_clock;
+// Processor time of this process (user and system): the machine is shared, and a module's
+// drawing is short enough that wall-clock time mostly measures the other processes.
+struct Clock {
+    using time_point = double;
+    static double now() {
+        timespec ts{};
+        clock_gettime(CLOCK_PROCESS_CPUTIME_ID, &ts);
+        return static_cast<double>(ts.tv_sec) + static_cast<double>(ts.tv_nsec) * 1e-9;
+    }
+};
 
 // A host that answers every placement with the next point of a row of modules.
 class BenchHost : public host::IHost {
@@ -79,7 +89,7 @@ void FillModule(CDlgPlcRendal& dlg, int terminals) {
 }
 
 double Seconds(Clock::time_point since) {
-    return std::chrono::duration<double>(Clock::now() - since).count();
+    return Clock::now() - since;
 }
 
 std::string Num(double v) {
@@ -194,35 +204,48 @@ int main(int argc, char** argv) {
 
     // One 64-terminal module end to end, repeated.
     FillModule(dlg, 64);
-    const int single = 30;
-    cad::Database last;
-    auto start = Clock::now();
+    // The machine is shared, so the median of the runs stands for one module. The drawing is
+    // written the way ezdxf writes its file (whole, not synced to disk); the durable save the
+    // program makes of a user's drawing (temporary file, sync, rename) is timed apart.
+    const int single = 31;
+    std::vector<double> runs, durable;
     for (int i = 0; i < single; ++i) {
         cad::Database working;
         bench.database = &working;
         bench.nextX = 0;
+        auto start = Clock::now();
         if (!DrawFullSheet(dlg, working)) {
             std::fprintf(stderr, "bench_draw: drawing failed\n");
             return 1;
         }
-        cad::WriteDxfFile(working, (dir / "single.dxf").string(), cad::DxfVersion::R2010);
+        {
+            const std::string text = cad::WriteDxfString(working, cad::DxfVersion::R2010);
+            std::ofstream((dir / "single.dxf").string(), std::ios::binary) << text;
+        }
+        runs.push_back(Seconds(start));
+        start = Clock::now();
+        cad::WriteDxfFile(working, (dir / "single_durable.dxf").string(), cad::DxfVersion::R2010);
+        durable.push_back(Seconds(start));
         if (i + 1 == single) {
             Describe(working, (dir / "single.txt").string());
         }
     }
-    const double ours1 = Seconds(start) / single;
+    std::sort(runs.begin(), runs.end());
+    std::sort(durable.begin(), durable.end());
+    const double ours1 = runs[runs.size() / 2];
     const double base1 =
-        EzdxfSeconds((dir / "single.txt").string(), (dir / "single_ez.dxf").string(), 5);
+        EzdxfSeconds((dir / "single.txt").string(), (dir / "single_ez.dxf").string(), 7);
     std::printf(
-        "one 64-terminal module end to end: %.2f ms (%.1f modules/s); ezdxf writing the "
-        "same entities: %.2f ms; ratio %.1fx\n",
-        ours1 * 1e3, 1.0 / ours1, base1 * 1e3, base1 / ours1);
+        "one 64-terminal module end to end (preview file, placement, drawing, save): %.2f ms "
+        "(%.1f modules/s); ezdxf writing the same entities: %.2f ms; ratio %.1fx; a durable "
+        "save of the drawing adds %.2f ms\n",
+        ours1 * 1e3, 1.0 / ours1, base1 * 1e3, base1 / ours1, durable[durable.size() / 2] * 1e3);
 
     // A batch of modules drawn into one drawing at their points, then saved once.
     FillModule(dlg, 16);
     cad::Database batch;
     bench.database = &batch;
-    start = Clock::now();
+    const auto start = Clock::now();
     for (int i = 0; i < modules; ++i) {
         dlg.editTag = "-A" + std::to_string(i + 1);
         draw::DrawContext ctx(dlg, batch);

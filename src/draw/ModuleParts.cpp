@@ -2,6 +2,7 @@
 
 #include <algorithm>
 #include <cmath>
+#include <filesystem>
 #include <memory>
 
 #include "cad/Dxf.h"
@@ -159,6 +160,36 @@ void CellTexts(Side side, const cad::Point3d& centre, const cad::Vector3d& size,
     desc.vert =
         (side == Side::Upper || side == Side::Right) ? cad::TextVert::Top : cad::TextVert::Bottom;
     number.rotation = desc.rotation = vertical ? kAngle270 : 0.0;
+}
+
+// The symbol drawing at `path`, read with shared access. Every module drawing reads its
+// symbol again; a batch of modules would spend a third of its time parsing the same file,
+// so the last drawing read is kept with the file's size and modification time and read
+// anew as soon as either differs. Null when the file cannot be read.
+const cad::Database* ReadSymbolDrawing(const std::string& path) {
+    struct Cached {
+        std::string path;  // empty: nothing to compare against, read again next time
+        std::uintmax_t size = 0;
+        std::filesystem::file_time_type time;
+        std::unique_ptr<cad::Database> drawing;
+    };
+    static Cached cached;
+    std::error_code sizeError, timeError;
+    const auto size = std::filesystem::file_size(path, sizeError);
+    const auto time = std::filesystem::last_write_time(path, timeError);
+    const bool known = !sizeError && !timeError;
+    if (known && cached.drawing && cached.path == path && cached.size == size &&
+        cached.time == time) {
+        return cached.drawing.get();
+    }
+    std::string error;
+    auto drawing = cad::TryReadDxfFile(path, error);
+    if (!drawing) {
+        cached = Cached{};
+        return nullptr;
+    }
+    cached = Cached{known ? path : std::string(), size, time, std::move(drawing)};
+    return cached.drawing.get();
 }
 
 // The first terminal-text point a symbol's designer marked, in world coordinates.
@@ -326,9 +357,8 @@ cad::Handle AddOutline(DrawContext& ctx, const std::vector<cad::Point3d>& points
 }
 
 bool LoadSymbolBlock(DrawContext& ctx) {
-    std::string error;
-    const auto symbol = cad::TryReadDxfFile(ctx.dlg.termSymbolPath, error);
-    if (!symbol) {
+    const cad::Database* symbol = ReadSymbolDrawing(ctx.dlg.termSymbolPath);
+    if (symbol == nullptr) {
         host::Print("文件<" + ctx.dlg.termSymbolPath + ">打开失败！" + "\n");
         return false;
     }

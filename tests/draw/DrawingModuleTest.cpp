@@ -393,3 +393,27 @@ TEST(DrawingAworkSettings, LabelHeightAndItsDefaults) {
     testing_support::WriteFile(dir / "awork.sys", draw::FormatAworkSettings(written));
     EXPECT_DOUBLE_EQ(draw::LoadAworkSettings((dir / "awork.sys").string()).labelHeight, 4.5);
 }
+
+// Each drawing reads the symbol drawing as it is now: a file changed or removed since the
+// last drawing is never served from what was read before.
+TEST(DrawingModule, SymbolDrawingIsReadAsItIsNow) {
+    DrawingEnvironment env;
+    auto dlg = env.MakeDialog(1, 0, {{"1", "A", "向上"}});
+    cad::Database first;
+    ASSERT_TRUE(DrawModule(*dlg, first, 0));
+    EXPECT_FLOAT_EQ(dlg->termLength, 5.0f);
+
+    cad::Database longer;
+    auto* lead = longer.AppendNew<cad::Line>();
+    lead->start = {0, 0, 0};
+    lead->end = {7.5, 0, 0};
+    cad::WriteDxfFile(longer, env.SymbolPath().string(), cad::DxfVersion::R2000);
+    cad::Database second;
+    ASSERT_TRUE(DrawModule(*dlg, second, 0));
+    EXPECT_FLOAT_EQ(dlg->termLength, 7.5f);
+
+    std::filesystem::remove(env.SymbolPath());
+    cad::Database third;
+    EXPECT_FALSE(DrawModule(*dlg, third, 0));
+    EXPECT_EQ(env.host.AllPrinted(), "文件<" + dlg->termSymbolPath + ">打开失败！\n");
+}
