@@ -19,6 +19,7 @@
 #include "cad/Dxf.h"
 #include "cad/render/Render.h"
 #include "draw/DlgPlcRendal.h"
+#include "draw/settings/SettingsFile.h"
 #include "host/SuiteServices.h"
 
 namespace cli {
@@ -45,7 +46,9 @@ const CommandSpec kDrawSpec{
      {"slot", "S", "slot number (槽号)"},
      {"location", "L", "installation location (安装位置); default: the drawing's own"},
      {"vertical", "", "draw the module vertically (垂直): terminals on the right and left"},
-     {"format", "N", "drawing format 1, 2 or 3 for this drawing (default: the settings')"},
+     {"format", "N",
+      "drawing format 1, 2 or 3 with that format's terminal from the settings (default: the "
+      "format in use)"},
      {"symbol", "NAME", "terminal symbol NAME from the common folder's SYMB2LIB/NAME.dxf"},
      {"terminals", "LIST", "the terminals to draw by 端点序号, e.g. 1-8,11 (default: all)"},
      {"pattern", "ID", "direction pattern 101..106 of the terminal list's menu"},
@@ -233,6 +236,20 @@ void DescribeDrawing(CliHost& host, const std::string& path) {
     host.variables["DWGTITLED"] = std::filesystem::exists(file) ? "1" : "0";
 }
 
+// Takes a drawing format with its own terminal from the settings file, as choosing it on the
+// settings sheet does.
+void UseFormat(CDlgPlcRendal& dlg, int format) {
+    const auto lines = drawsettings::ReadSettingLines();
+    const auto terminals = drawsettings::LoadFormatTerminals(lines ? &*lines : nullptr);
+    const drawsettings::FormatTerminal& terminal = terminals[format - 1];
+    dlg.componentType = format;
+    dlg.termSymbolName = terminal.name;
+    dlg.termSymbolPath = drawsettings::SymbolPathFor(terminal.name);
+    dlg.termDirection = terminal.direction;
+    dlg.typeWidth = std::strtof(terminal.widthText.c_str(), nullptr);
+    dlg.termLength = FixedTermLength(terminal.name, terminal.length);
+}
+
 // Fills the dialog from the request the way a user would. False after a reported error.
 bool FillDialog(CDlgPlcRendal& dlg, const DrawRequest& request) {
     if (!dlg.SelectModulePath(request.manufacturer, request.series, request.type, request.code)) {
@@ -263,7 +280,7 @@ bool FillDialog(CDlgPlcRendal& dlg, const DrawRequest& request) {
         }
     }
     if (request.format != 0) {
-        dlg.componentType = request.format;
+        UseFormat(dlg, request.format);
     }
     if (!request.symbol.empty()) {
         dlg.termSymbolName = request.symbol;

@@ -26,20 +26,20 @@ protected:
         return RunCommand(qvplc + " draw " + options, output ? output : &lastOutput);
     }
     // Counts what ezdxf finds in the model space: "<inserts of the symbol> <mtexts with TAG>".
-    std::string Census(const std::string& tag) {
+    std::string Census(const std::string& tag, const std::string& symbol = "SYMB2_S_KTR5") {
         const std::string script =
             "import ezdxf,sys\n"
             "doc=ezdxf.readfile(sys.argv[1])\n"
             "msp=doc.modelspace()\n"
-            "ins=[e for e in msp if e.dxftype()=='INSERT' and e.dxf.name=='SYMB2_S_KTR5']\n"
+            "ins=[e for e in msp if e.dxftype()=='INSERT' and e.dxf.name==sys.argv[3]]\n"
             "tags=[e for e in msp if e.dxftype()=='MTEXT' and e.text==sys.argv[2]]\n"
             "print(len(ins), len(tags))\n";
         const auto scriptPath = env.LocalDir() / "census.py";
         WriteFile(scriptPath, script);
         std::string output;
-        const int status = RunCommand(
-            testing_support::Python() + " " + scriptPath.string() + " " + drawing + " " + tag,
-            &output);
+        const int status = RunCommand(testing_support::Python() + " " + scriptPath.string() + " " +
+                                          drawing + " " + tag + " " + symbol,
+                                      &output);
         EXPECT_EQ(status, 0) << output;
         return output.substr(0, output.find('\n'));
     }
@@ -69,6 +69,20 @@ TEST_F(DrawCommandTest, DividedDrawingTakesItsPiecesFromTheOptions) {
               0)
         << lastOutput;
     EXPECT_EQ(Census("A3"), "7 1");
+}
+
+TEST_F(DrawCommandTest, FormatOptionTakesThatFormatsOwnTerminal) {
+    if (!std::filesystem::exists(env.CommonDir() / "SYMB2LIB" / "SYMB2_S_KTR211.dxf")) {
+        std::filesystem::copy_file(
+            testing_support::CommonResDir() / "SYMB2LIB" / "SYMB2_S_KTR211.dxf",
+            env.CommonDir() / "SYMB2LIB" / "SYMB2_S_KTR211.dxf");
+    }
+    ASSERT_EQ(Draw(std::string("'") + kModule + "' --tag A4 --format 3 --terminals 1-4 " +
+                   "--at 0,0 --drawing " + drawing),
+              0)
+        << lastOutput;
+    EXPECT_EQ(Census("A4", "SYMB2_S_KTR211"), "4 1");
+    EXPECT_EQ(Census("A4"), "0 1");
 }
 
 TEST_F(DrawCommandTest, TooFewPiecesWriteNothing) {
