@@ -230,3 +230,26 @@ TEST(Picture, SvgCarriesTheOutlinesOfChineseGlyphs) {
     EXPECT_EQ(uses[0], uses[2]);
     EXPECT_EQ(svg.find("<text"), std::string::npos);
 }
+
+TEST(Picture, DotOfTwoHalfCirclesHasNoSeam) {
+    // Regression: the two wide half circles of a direction marker left a light line along
+    // their common diameter when their ends were not cut exactly radially.
+    TempDir dir;
+    PictureOptions options;
+    options.widthPx = 216;
+    options.marginPx = 8;  // 200 px for the dot's 20 units: 10 px per unit
+    std::string error;
+    const auto dot = [](Canvas& c) {
+        c.Polyline({{{-5, 0}, 10, 10, 1.0}, {{5, 0}, 10, 10, 1.0}}, true, kRed);
+    };
+    ASSERT_TRUE(WritePicture(dot, (dir / "dot.png").string(), options, error)) << error;
+    PixelImage image((dir / "dot.png").string());
+    ASSERT_TRUE(image.Ok());
+    const int centre = 108;
+    for (int x = centre - 90; x <= centre + 90; ++x) {
+        for (int y = centre - 1; y <= centre + 1; ++y) {
+            ASSERT_TRUE(IsRed(image.At(x, y))) << "seam at " << x << "," << y;
+        }
+    }
+    EXPECT_FALSE(IsRed(image.At(centre + 100, centre + 100)));  // outside the dot
+}

@@ -63,18 +63,22 @@ void CairoCanvas::StrokePoints(const std::vector<Point2>& points, Rgb colour) {
     cairo_stroke(cr_);
 }
 
-void CairoCanvas::FillPoints(const std::vector<Point2>& points, Rgb colour) {
-    if (points.size() < 3) {
-        return;
+void CairoCanvas::FillOutlines(const std::vector<std::vector<Point2>>& outlines, Rgb colour) {
+    for (const auto& points : outlines) {
+        if (points.size() < 3) {
+            continue;
+        }
+        const Point2 first = ToPixel(points[0]);
+        cairo_move_to(cr_, first.x, first.y);
+        for (size_t i = 1; i < points.size(); ++i) {
+            const Point2 p = ToPixel(points[i]);
+            cairo_line_to(cr_, p.x, p.y);
+        }
+        cairo_close_path(cr_);
     }
-    const Point2 first = ToPixel(points[0]);
-    cairo_move_to(cr_, first.x, first.y);
-    for (size_t i = 1; i < points.size(); ++i) {
-        const Point2 p = ToPixel(points[i]);
-        cairo_line_to(cr_, p.x, p.y);
-    }
-    cairo_close_path(cr_);
+    // One fill for all of them: neighbouring pieces (the two halves of a dot) show no seam.
     SetColour(colour);
+    cairo_set_fill_rule(cr_, CAIRO_FILL_RULE_WINDING);
     cairo_fill_preserve(cr_);
     // A hairline around the fill keeps very thin wide segments visible.
     cairo_set_line_width(cr_, lineWidthPx_ * 0.5);
@@ -93,19 +97,21 @@ void CairoCanvas::Polyline(const std::vector<PolyVertex>& vertices, bool closed,
     }
     const size_t segments = closed ? n : (n > 0 ? n - 1 : 0);
     std::vector<Point2> thin;  // consecutive segments without width form one stroked path
+    std::vector<std::vector<Point2>> wide;
     for (size_t i = 0; i < segments; ++i) {
         const PolyVertex& v = vertices[i];
         const Point2 to = vertices[(i + 1) % n].point;
         if (v.startWidth > 0 || v.endWidth > 0) {
             StrokePoints(thin, colour);
             thin.clear();
-            FillPoints(WideSegmentOutline(v.point, to, v.bulge, v.startWidth, v.endWidth), colour);
+            wide.push_back(WideSegmentOutline(v.point, to, v.bulge, v.startWidth, v.endWidth));
             continue;
         }
         const auto piece = SegmentPoints(v.point, to, v.bulge, 0.05);
         thin.insert(thin.end(), thin.empty() ? piece.begin() : piece.begin() + 1, piece.end());
     }
     StrokePoints(thin, colour);
+    FillOutlines(wide, colour);
 }
 
 void CairoCanvas::Circle(Point2 centre, double radius, Rgb colour) {

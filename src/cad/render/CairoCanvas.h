@@ -37,7 +37,7 @@ public:
 private:
     Point2 ToPixel(Point2 world) const;
     void StrokePoints(const std::vector<Point2>& points, Rgb colour);
-    void FillPoints(const std::vector<Point2>& points, Rgb colour);
+    void FillOutlines(const std::vector<std::vector<Point2>>& outlines, Rgb colour);
     void SetColour(Rgb colour);
 
     cairo_t* cr_;

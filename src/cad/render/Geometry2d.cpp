@@ -45,21 +45,26 @@ std::vector<Point2> SegmentPoints(Point2 from, Point2 to, double bulge, double m
 std::vector<Point2> WideSegmentOutline(Point2 from, Point2 to, double bulge, double startWidth,
                                        double endWidth) {
     const std::vector<Point2> path = SegmentPoints(from, to, bulge);
+    BulgeArc arc;
+    const bool curved = ArcFromBulge(from, to, bulge, arc);
     const size_t n = path.size();
     std::vector<Point2> left(n), right(n);
     for (size_t i = 0; i < n; ++i) {
-        // Direction at a point: along the neighbouring pieces.
-        const Point2 a = path[i == 0 ? 0 : i - 1];
-        const Point2 b = path[i + 1 < n ? i + 1 : n - 1];
-        double tx = b.x - a.x, ty = b.y - a.y;
-        const double len = std::hypot(tx, ty);
-        if (len > 0) {
-            tx /= len, ty /= len;
+        // The side direction: radial on an arc (exact at the ends, so that neighbouring
+        // wide segments meet without a gap), square to the segment on a straight one.
+        Point2 side;
+        if (curved) {
+            const double sign = arc.sweep > 0 ? -1 : 1;
+            side = {sign * (path[i].x - arc.centre.x) / arc.radius,
+                    sign * (path[i].y - arc.centre.y) / arc.radius};
+        } else {
+            const double len = std::hypot(to.x - from.x, to.y - from.y);
+            side = len > 0 ? Point2{-(to.y - from.y) / len, (to.x - from.x) / len} : Point2{};
         }
         const double t = n > 1 ? static_cast<double>(i) / (n - 1) : 0;
         const double half = (startWidth + (endWidth - startWidth) * t) / 2;
-        left[i] = {path[i].x - ty * half, path[i].y + tx * half};
-        right[i] = {path[i].x + ty * half, path[i].y - tx * half};
+        left[i] = {path[i].x + side.x * half, path[i].y + side.y * half};
+        right[i] = {path[i].x - side.x * half, path[i].y - side.y * half};
     }
     std::vector<Point2> outline = left;
     outline.insert(outline.end(), right.rbegin(), right.rend());
