@@ -121,10 +121,3 @@ TEST_F(DrawCommandTest, RefusalsOfTheDialogAndBadOptionsNameTheProblem) {
         2);
     EXPECT_EQ(Draw("Alpha/S1/DI-16A --tag A1 --at 0,0 --drawing " + drawing), 2);
 }
-
-TEST_F(DrawCommandTest, HelpTeachesTheOptionsWithExamples) {
-    ASSERT_EQ(Draw("--help"), 0);
-    for (const char* text : {"--pieces", "--at", "--pattern", "--terminals", "Examples:"}) {
-        EXPECT_NE(lastOutput.find(text), std::string::npos) << text;
-    }
-}

@@ -90,20 +90,6 @@ TEST_F(TermListTest, PatternsApplyToUnmarkedRowsAndUseLeftRightWhenVertical) {
     EXPECT_EQ(kRight, "     向右");  // five blanks, unlike new rows
 }
 
-TEST_F(TermListTest, MenuTextsFollowTheOrientation) {
-    auto horizontal = dlg->TermMenuEntries();
-    ASSERT_EQ(horizontal.size(), 7u);
-    EXPECT_EQ(horizontal[4].id, kMenuHalfFirst);
-    EXPECT_EQ(horizontal[4].text, "前半部分向上,后面向下");
-    EXPECT_EQ(horizontal[3].text, "奇数向下,偶数向上");
-    EXPECT_EQ(horizontal[6].text, "改变端点连接方向");
-    dlg->OnVertical();
-    auto vertical = dlg->TermMenuEntries();
-    EXPECT_EQ(vertical[0].text, "全部向左");
-    EXPECT_EQ(vertical[5].text, "前半部分向右,后面向左");
-    EXPECT_EQ(vertical[6].text, "改变端点连接方向");
-}
-
 TEST_F(TermListTest, FlipRewritesEachSelectedRowByItsFirstMatchingCharacter) {
     auto& list = dlg->termList;
     const std::vector<std::string> before = {"向上",     "     向下", "上下", "向左",
@@ -140,11 +126,4 @@ TEST_F(TermListTest, SwitchingOrientationReappliesTheStoredPatternDiscardingFlip
     EXPECT_EQ(dlg->orientation, 0);
     EXPECT_EQ(Directions(*dlg),
               (std::vector<std::string>{kUp, kDown, kUp, kDown, kUp, kDown, kUp}));
-}
-
-TEST_F(TermListTest, EnterIsSwallowed) {
-    dlg->OnEnter();
-    EXPECT_TRUE(dlg->windowCreated);
-    EXPECT_TRUE(env.host.sentCommands.empty());
-    EXPECT_FALSE(dlg->drawPending);
 }

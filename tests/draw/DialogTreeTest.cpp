@@ -63,20 +63,6 @@ TEST(DialogTree, BuildsManufacturerSeriesTypeLevelsInLoadOrder) {
     EXPECT_EQ(dlg->focus, "tree");
 }
 
-TEST(DialogTree, ListColumnsFollowTheClientWidth) {
-    DialogEnvironment env;
-    auto dlg = std::make_unique<CDlgPlcRendal>();
-    dlg->listClientWidth = 487;  // u = 48
-    ASSERT_TRUE(dlg->Create());
-    ASSERT_EQ(dlg->moduleList.columns.size(), 5u);
-    ASSERT_EQ(dlg->termList.columns.size(), 5u);
-    EXPECT_EQ(dlg->moduleList.columns[0].caption, "模块代号");
-    EXPECT_EQ(dlg->moduleList.columns[0].width, 120);
-    EXPECT_EQ(dlg->moduleList.columns[3].width, 144);
-    EXPECT_EQ(dlg->termList.columns[4].caption, "连线端点方向");
-    EXPECT_EQ(dlg->termList.columns[0].width, 86);  // 1.8 * 48 truncated
-}
-
 TEST(DialogTree, MissingLibraryCancelsCreationAndUnreadableLibraryLeavesOnlyTheRoot) {
     DialogEnvironment env;
     std::filesystem::remove(env.LibraryPath());
