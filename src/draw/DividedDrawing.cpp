@@ -110,8 +110,32 @@ void PrintCorner(const char* format, const cad::Point3d& point) {
 // piece's outline whichever side holds more terminals. A horizontal piece has the same
 // brackets with the axes exchanged: the upper end follows the first (upper) list and the
 // lower end the second, as on the whole module.
+// In the cell style the cells run between the brackets; the frame styles have nothing
+// there, so each edge's run gets a line of its own (linked like the brackets) and the
+// piece's outline closes all the same.
+void DrawEdgeRuns(DrawContext& ctx, double r1, double r2) {
+    const double H = ctx.dlg.typeWidth, p = ctx.dlg.termSpacing;
+    const bool vertical = ctx.dlg.orientation != 0;
+    const double runs[2] = {r1, r2};
+    for (int list = 0; list < 2; ++list) {
+        if (runs[list] <= 0) {
+            continue;
+        }
+        const double across = list == 0 ? 0.0 : -H;
+        const double from = p / 2, to = p / 2 + runs[list];
+        if (vertical) {
+            AddOutline(ctx, {{across, -from}, {across, -to}}, false);
+        } else {
+            AddOutline(ctx, {{from, across}, {to, across}}, false);
+        }
+    }
+}
+
 void CloseBrackets(DrawContext& ctx, double r1, double r2) {
     const double H = ctx.dlg.typeWidth, p = ctx.dlg.termSpacing;
+    if (ctx.dlg.componentType != 3) {
+        DrawEdgeRuns(ctx, r1, r2);
+    }
     if (ctx.dlg.orientation == 0) {
         const double xe = p / 2 + std::max(r1, r2) + p / 2;
         AddOutline(ctx, {{p / 2, 0}, {0, 0}, {0, -H}, {p / 2, -H}}, false);

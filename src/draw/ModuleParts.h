@@ -1,7 +1,8 @@
 // The pieces the module drawing and its command variants (whole sheet, divided) are built
 // from: collecting the terminal rows, the symbol rotation table, the header, outlines and
 // one terminal with its texts and links. All of them draw into a given database at a given
-// origin; none touches files or the user, except the symbol reader and the host's UCS.
+// origin. Files are read only through the suite's readers (the symbol drawing, awork.sys
+// for the label height); the host is asked only to convert points from the UCS.
 #pragma once
 
 #include <string>

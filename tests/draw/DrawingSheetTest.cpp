@@ -209,6 +209,12 @@ TEST(DrawingDivided, VerticalCellStylePrintsTheClosingCorners) {
     quiet.host.pointAnswers = {At(0, 0), At(0, -30)};
     ASSERT_TRUE(DrawDivided(*frame, quiet.drawing));
     EXPECT_EQ(quiet.host.AllPrinted(), "");
+    // Without cells, the right edge's run gets its own line between the brackets.
+    const auto outline = All<cad::LwPolyline>(quiet.drawing);
+    ASSERT_EQ(outline.size(), 3u);
+    ExpectPoints(Vertices(*outline[0]), {{0, -5}, {0, -15}}, "right edge run");
+    ExpectPoints(Vertices(*outline[2]), {{-10, -5}, {-10, -20}, {0, -20}, {0, -15}},
+                 "closing bracket");
 }
 
 TEST(DrawingDivided, CancelAtAnyPromptEndsTheCommandKeepingDrawnPieces) {
