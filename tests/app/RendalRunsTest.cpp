@@ -160,3 +160,19 @@ TEST_F(RendalRunsTest, UnloadDestroysTheDialog) {
     app::DestroyPluginDialogs();  // a second unload has nothing left to destroy
     EXPECT_EQ(g_pDlgPlcRendal, nullptr);
 }
+
+TEST_F(RendalRunsTest, ANetworkClientWithoutALocalCopyMarksItsCopyOutOfDate) {
+    testing_support::ScopedEnv style("ZANDRIX_INSTALL_STYLE", "2");
+    const auto stamp = env.LocalDir() / "PLC" / "QvPLC.tim";
+    testing_support::WriteFile(stamp, "2026-01-01 00:00:00\n");
+    run.RunRendal();  // the local copy is there: the stamp stays
+    EXPECT_TRUE(std::filesystem::exists(stamp));
+    app::DestroyPluginDialogs();
+
+    std::filesystem::remove(env.LibraryPath());
+    run.RunRendal();
+    EXPECT_FALSE(std::filesystem::exists(stamp));
+    EXPECT_EQ(g_pDlgPlcRendal, nullptr);
+    ASSERT_EQ(env.host.messages.size(), 1u);
+    EXPECT_EQ(env.host.messages[0].caption, "Zandrix 消息");
+}
