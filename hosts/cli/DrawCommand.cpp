@@ -229,11 +229,9 @@ std::unique_ptr<cad::Database> OpenDrawing(const std::string& path) {
 // The host variables of the drawing, as a CAD host has them for an open file.
 void DescribeDrawing(CliHost& host, const std::string& path) {
     const std::filesystem::path file = std::filesystem::absolute(path);
-    std::string prefix = file.parent_path().string();
-    prefix.push_back('/');
-    host.variables["DWGPREFIX"] = prefix;
+    host.variables["DWGPREFIX"] = (file.parent_path() / "").string();
     host.variables["DWGNAME"] = file.filename().string();
-    host.variables["DWGTITLED"] = std::filesystem::exists(file) ? "1" : "0";
+    host.variables["DWGTITLED"] = std::to_string(std::filesystem::exists(file) ? 1 : 0);
 }
 
 // Takes a drawing format with its own terminal from the settings file, as choosing it on the
