@@ -4,6 +4,7 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cmath>
 #include <cstring>
 
@@ -146,9 +147,21 @@ Point3d Reader::PointAt(const std::vector<RawTag>& tags, std::size_t& i) const {
     return p;
 }
 
+void Reader::Generated(Handle before) {
+    if (db_->HandleSeed() > before) {
+        generated_.emplace_back(before, db_->HandleSeed());
+    }
+}
+
 Handle Reader::Claim(Handle h, const Record& rec) {
+    for (const auto& [from, to] : generated_) {
+        if (h >= from && h < to) {
+            throw HandleCollision{};
+        }
+    }
     if (h == kNullHandle || db_->Object(h) != nullptr || blockHandles_.count(h) != 0) {
         const Handle fresh = db_->NewHandle();
+        Generated(fresh);
         Repair("line " + std::to_string(rec.line) + ": " + std::string(rec.type) +
                (h == kNullHandle ? " had no handle" : " repeated handle " + FormatHandle(h)) +
                "; given " + FormatHandle(fresh));
@@ -380,8 +393,39 @@ void Reader::Table(const Record& head) {
 
 }  // namespace dxfread
 
+namespace dxfread {
+
+Handle HighestHandle(std::string_view data) {
+    Handle highest = kNullHandle;
+    try {
+        Tokenizer tok(data, "");
+        RawTag t;
+        while (tok.Next(t)) {
+            Handle h = kNullHandle;
+            if ((t.code == 5 || t.code == 105) && ParseHandle(t.value, h)) {
+                highest = std::max(highest, h);
+            }
+        }
+    } catch (const DxfError&) {
+        // The reading proper reports the fault.
+    }
+    return highest;
+}
+
+}  // namespace dxfread
+
 std::unique_ptr<Database> ReadDxfString(std::string_view data, const std::string& name) {
-    return dxfread::Reader(data, name).Run();
+    try {
+        return dxfread::Reader(data, name).Run();
+    } catch (const dxfread::HandleCollision&) {
+        dxfread::Reader again(data, name);
+        again.ReserveAbove(dxfread::HighestHandle(data));
+        try {
+            return again.Run();
+        } catch (const dxfread::HandleCollision&) {
+            throw DxfError(std::string(name), 0, "the handles of the file cannot be told apart");
+        }
+    }
 }
 
 std::unique_ptr<Database> ReadDxfFile(const std::string& path) {
@@ -414,16 +458,28 @@ std::unique_ptr<Database> ReadDxfFile(const std::string& path) {
         ~Unmap() { ::munmap(p, n); }
     } unmap{map, size};
     const std::string_view data(static_cast<const char*>(map), size);
-    dxfread::Reader reader(data, path);
-    reader.SetRelease([map](std::size_t from, std::size_t to) {
+    auto release = [map](std::size_t from, std::size_t to) {
         const std::size_t page = static_cast<std::size_t>(::sysconf(_SC_PAGESIZE));
         const std::size_t start = (from + page - 1) / page * page;
         const std::size_t end = to / page * page;
         if (end > start) {
             ::madvise(static_cast<char*>(map) + start, end - start, MADV_DONTNEED);
         }
-    });
-    return reader.Run();
+    };
+    try {
+        dxfread::Reader reader(data, path);
+        reader.SetRelease(release);
+        return reader.Run();
+    } catch (const dxfread::HandleCollision&) {
+        dxfread::Reader again(data, path);
+        again.SetRelease(release);
+        again.ReserveAbove(dxfread::HighestHandle(data));
+        try {
+            return again.Run();
+        } catch (const dxfread::HandleCollision&) {
+            throw DxfError(path, 0, "the handles of the file cannot be told apart");
+        }
+    }
 }
 
 std::unique_ptr<Database> TryReadDxfFile(const std::string& path, std::string& error) {

@@ -69,7 +69,9 @@ Handle Reader::LayerNamed(const std::string& name) {
     }
     Handle h = db_->FindLayer(name);
     if (h == kNullHandle) {
+        const Handle before = db_->HandleSeed();
         h = db_->AddLayer(name.empty() ? "0" : name);
+        Generated(before);
         Repair("layer " + name + " was used but not defined; it was added");
     }
     layerCache_.emplace(name, h);
@@ -83,7 +85,9 @@ Handle Reader::StyleNamed(const std::string& name) {
     }
     Handle h = db_->FindTextStyle(name);
     if (h == kNullHandle) {
+        const Handle before = db_->HandleSeed();
         h = db_->AddTextStyle(name.empty() ? "Standard" : name);
+        Generated(before);
         Repair("text style " + name + " was used but not defined; it was added");
     }
     styleCache_.emplace(name, h);
@@ -188,7 +192,9 @@ void Reader::Place(std::unique_ptr<Entity> e, Handle space, const Record& rec) {
         space =
             db_->ModelSpace() != kNullHandle ? db_->ModelSpace() : db_->FindBlock("*Model_Space");
         if (space == kNullHandle) {
+            const Handle before = db_->HandleSeed();
             space = db_->DefineBlock("*Model_Space");
+            Generated(before);
         }
         block = db_->Block(space);
     }
@@ -549,7 +555,9 @@ void Reader::ReadXData(Entity& e, const std::vector<RawTag>& tags) {
             const std::string name = Text(Trim(t.value));
             Handle app = db_->FindApp(name);
             if (app == kNullHandle) {
+                const Handle before = db_->HandleSeed();
                 app = db_->RegisterApp(name);
+                Generated(before);
                 Repair("application " + name + " was used but not registered; it was added");
             }
             e.xdata.push_back({app, {}});

@@ -164,7 +164,9 @@ void Reader::Block(const Record& head, long sectionLine) {
     }
     Handle recordHandle = db_->FindBlock(name);
     if (recordHandle == kNullHandle) {
+        const Handle before = db_->HandleSeed();
         recordHandle = db_->DefineBlock(name);
+        Generated(before);
         Repair("block " + name + " had no block record");
     }
     BlockRecord& block = *db_->Block(recordHandle);
@@ -172,6 +174,7 @@ void Reader::Block(const Record& head, long sectionLine) {
     if (p.handle == kNullHandle || db_->Object(p.handle) != nullptr ||
         !blockHandles_.insert(p.handle).second) {
         block.beginHandle = db_->NewHandle();
+        Generated(block.beginHandle);
         blockHandles_.insert(block.beginHandle);
     }
     db_->ReserveHandle(block.beginHandle);
@@ -214,6 +217,7 @@ void Reader::Block(const Record& head, long sectionLine) {
     if (end.handle == kNullHandle || db_->Object(end.handle) != nullptr ||
         !blockHandles_.insert(end.handle).second) {
         b.endHandle = db_->NewHandle();
+        Generated(b.endHandle);
         blockHandles_.insert(b.endHandle);
     }
     db_->ReserveHandle(b.endHandle);

@@ -32,6 +32,8 @@ class Reader {
 public:
     Reader(std::string_view data, std::string fileName);
     std::unique_ptr<Database> Run();
+    // Handles made while reading start above `h` (a second reading after a collision).
+    void ReserveAbove(Handle h) { db_->ReserveHandle(h); }
     void SetRelease(std::function<void(std::size_t, std::size_t)> release) {
         tok_.SetRelease(std::move(release));
     }
@@ -51,6 +53,9 @@ private:
     Tag Keep(const RawTag& t) const;  // validated and decoded for storage
     void KeepAll(const std::vector<RawTag>& in, TagList& out) const;
     Handle Claim(Handle h, const Record& rec);
+    // Notes the handles made since the seed was `before`: a later object of the file that
+    // claims one of them means the file's $HANDSEED was too small.
+    void Generated(Handle before);
     void Repair(std::string text) { db_->Repairs().push_back(std::move(text)); }
 
     // sections
@@ -89,6 +94,14 @@ private:
     Handle openParent_ = kNullHandle;  // an entity whose followers (ATTRIB, VERTEX) are coming
     long openParentLine_ = 0;
     bool sawEof_ = false;
+    std::vector<std::pair<Handle, Handle>> generated_;
 };
+
+// Thrown when a handle of the file was already given to an object the reader made; the
+// file is then read again with every new handle above the file's own.
+struct HandleCollision {};
+
+// The highest handle the file names (0 when it cannot be told).
+Handle HighestHandle(std::string_view data);
 
 }  // namespace cad::dxfread
