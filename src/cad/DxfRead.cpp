@@ -41,8 +41,7 @@ bool Reader::ReadRecord(Record& rec) {
     rec.type = Trim(t.value);
     rec.line = t.line;
     rec.tags.clear();
-    while (tok_.Peek(t) && t.code != 0) {
-        tok_.Next(t);
+    while (tok_.NextInRecord(t)) {
         rec.tags.push_back(t);
     }
     return true;
@@ -171,7 +170,7 @@ Handle Reader::Claim(Handle h, const Record& rec) {
     return h;
 }
 
-Parsed Reader::Parse(const Record& rec, bool splitXData) const {
+Parsed Reader::Parse(const Record& rec, bool splitXData, bool body) const {
     Parsed p;
     std::size_t i = 0;
     const auto& tags = rec.tags;
@@ -196,6 +195,7 @@ Parsed Reader::Parse(const Record& rec, bool splitXData) const {
             break;
         }
     }
+    p.segments.reserve(4);
     p.segments.push_back({"", {}});
     for (; i < tags.size(); ++i) {
         const RawTag& t = tags[i];
@@ -203,7 +203,9 @@ Parsed Reader::Parse(const Record& rec, bool splitXData) const {
             p.xdata.assign(tags.begin() + static_cast<long>(i), tags.end());
             break;
         }
-        p.body.push_back(t);
+        if (body) {
+            p.body.push_back(t);
+        }
         if (t.code == 100) {
             const std::string_view base = Trim(t.value);
             int seen = 0;

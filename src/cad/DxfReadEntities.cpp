@@ -115,7 +115,12 @@ void Reader::CheckType(const Record& rec, const char* section) const {
 
 void Reader::EntityRecord(const Record& rec, Handle space) {
     CheckType(rec, space == kNullHandle ? "ENTITIES" : "BLOCKS");
-    Parsed p = Parse(rec);
+    static constexpr std::string_view kModelled[] = {"LINE",  "LWPOLYLINE", "CIRCLE", "ARC",
+                                                     "POINT", "TEXT",       "ATTDEF", "ATTRIB",
+                                                     "MTEXT", "INSERT",     "SEQEND"};
+    const bool modelled =
+        std::find(std::begin(kModelled), std::end(kModelled), rec.type) != std::end(kModelled);
+    Parsed p = Parse(rec, true, !modelled);
     std::unique_ptr<Entity> e = BuildEntity(rec, p);
     e->handle = Claim(p.handle, rec);
     e->owner = p.owner;

@@ -42,7 +42,8 @@ private:
     // records
     bool ReadRecord(Record& rec);
     void ExpectRecord(Record& rec, const char* what);
-    Parsed Parse(const Record& rec, bool splitXData = true) const;
+    // `body`: also list every tag after the owner (needed for what is kept as read).
+    Parsed Parse(const Record& rec, bool splitXData = true, bool body = true) const;
 
     // values
     std::string Text(std::string_view raw) const;

@@ -78,6 +78,21 @@ void Tokenizer::ReleaseConsumed() {
     }
 }
 
+bool Tokenizer::NextInRecord(RawTag& tag) {
+    if (!peeked_) {
+        if (!Next(peekTag_)) {
+            return false;
+        }
+        peeked_ = true;
+    }
+    if (peekTag_.code == 0) {
+        return false;
+    }
+    tag = peekTag_;
+    peeked_ = false;
+    return true;
+}
+
 bool Tokenizer::Peek(RawTag& tag) {
     if (!peeked_) {
         peeked_ = Next(peekTag_);

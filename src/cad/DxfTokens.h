@@ -25,6 +25,8 @@ public:
     // False at the end of the data.
     bool Next(RawTag& tag);
     bool Peek(RawTag& tag);
+    // The next tag unless it has group code 0, which then stays for Next or Peek.
+    bool NextInRecord(RawTag& tag);
     const std::string& FileName() const { return fileName_; }
     long Line() const { return line_; }
     [[noreturn]] void Fail(long line, const std::string& problem, std::string_view text = {}) const;
