@@ -307,11 +307,14 @@ std::unique_ptr<Entity> Reader::BuildEntity(const Record& rec, Parsed& p) {
             }
         }
     }
-    if (auto* pl = dynamic_cast<LwPolyline*>(e.get())) {
-        pl->vertices = std::move(vertices);
-    } else if (auto* m = dynamic_cast<MText*>(e.get())) {
-        m->contents = Text(mtext);
-    } else if (auto* t = dynamic_cast<cad::Text*>(e.get())) {
+    const ObjectKind kind = e->Kind();
+    if (kind == ObjectKind::LwPolyline) {
+        static_cast<LwPolyline&>(*e).vertices = std::move(vertices);
+    } else if (kind == ObjectKind::MText) {
+        static_cast<MText&>(*e).contents = Text(mtext);
+    } else if (kind == ObjectKind::Text || kind == ObjectKind::Attribute ||
+               kind == ObjectKind::AttributeDefinition) {
+        auto* t = static_cast<cad::Text*>(e.get());
         bool hasAlignment = false;
         for (const auto& s : p.segments) {
             for (const auto& tag : s.tags) {
@@ -558,12 +561,16 @@ void Reader::ReadXData(Entity& e, const std::vector<RawTag>& tags) {
     for (const auto& t : tags) {
         if (t.code == 1001) {
             const std::string name = Text(Trim(t.value));
-            Handle app = db_->FindApp(name);
+            auto cached = appCache_.find(name);
+            Handle app = cached != appCache_.end() ? cached->second : db_->FindApp(name);
             if (app == kNullHandle) {
                 const Handle before = db_->HandleSeed();
                 app = db_->RegisterApp(name);
                 Generated(before);
                 Repair("application " + name + " was used but not registered; it was added");
+            }
+            if (cached == appCache_.end()) {
+                appCache_.emplace(name, app);
             }
             e.xdata.push_back({app, {}});
         } else if (t.code < 1000) {

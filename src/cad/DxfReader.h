@@ -91,6 +91,7 @@ private:
     std::unordered_set<Handle> blockHandles_;
     std::unordered_map<std::string, Handle> layerCache_;
     std::unordered_map<std::string, Handle> styleCache_;
+    std::unordered_map<std::string, Handle> appCache_;
     std::vector<std::pair<Handle, std::string>> pendingBlocks_;  // references to resolve
     Handle openParent_ = kNullHandle;  // an entity whose followers (ATTRIB, VERTEX) are coming
     long openParentLine_ = 0;

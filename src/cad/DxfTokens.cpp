@@ -117,7 +117,17 @@ bool Tokenizer::Next(RawTag& tag) {
     }
     const long line = line_;
     long long code = 0;
-    if (!ParseInt(codeLine, code)) {
+    // Most group codes are a few digits after blanks: read them directly.
+    std::size_t k = 0;
+    while (k < codeLine.size() && codeLine[k] == ' ') {
+        ++k;
+    }
+    const std::size_t digitsStart = k;
+    while (k < codeLine.size() && k - digitsStart < 5 && codeLine[k] >= '0' && codeLine[k] <= '9') {
+        code = code * 10 + (codeLine[k++] - '0');
+    }
+    const bool simple = k > digitsStart && k == codeLine.size();
+    if (!simple && !ParseInt(codeLine, code)) {
         if (Trim(codeLine).empty() && pos_ >= data_.size()) {
             return false;  // a blank last line
         }
