@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <memory>
 
 #include "cad/Dxf.h"
@@ -162,33 +164,39 @@ void CellTexts(Side side, const cad::Point3d& centre, const cad::Vector3d& size,
     number.rotation = desc.rotation = vertical ? kAngle270 : 0.0;
 }
 
-// The symbol drawing at `path`, read with shared access. Every module drawing reads its
-// symbol again; a batch of modules would spend a third of its time parsing the same file,
-// so the last drawing read is kept with the file's size and modification time and read
-// anew as soon as either differs. Null when the file cannot be read.
+// The symbol drawing at `path`, read with shared access (read-only, not locked). Every
+// module drawing reads its symbol again; a batch of modules would spend a third of its time
+// parsing the same file, so the last drawing parsed is kept with the file's bytes and used
+// again only while the file holds exactly those bytes. Null when the file cannot be read.
 const cad::Database* ReadSymbolDrawing(const std::string& path) {
     struct Cached {
-        std::string path;  // empty: nothing to compare against, read again next time
-        std::uintmax_t size = 0;
-        std::filesystem::file_time_type time;
+        std::string path;
+        std::string bytes;
         std::unique_ptr<cad::Database> drawing;
     };
     static Cached cached;
-    std::error_code sizeError, timeError;
-    const auto size = std::filesystem::file_size(path, sizeError);
-    const auto time = std::filesystem::last_write_time(path, timeError);
-    const bool known = !sizeError && !timeError;
-    if (known && cached.drawing && cached.path == path && cached.size == size &&
-        cached.time == time) {
-        return cached.drawing.get();
-    }
-    std::string error;
-    auto drawing = cad::TryReadDxfFile(path, error);
-    if (!drawing) {
+    std::error_code ec;
+    std::ifstream in(path, std::ios::binary);
+    if (!std::filesystem::is_regular_file(path, ec) || !in) {
         cached = Cached{};
         return nullptr;
     }
-    cached = Cached{known ? path : std::string(), size, time, std::move(drawing)};
+    std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
+    if (in.bad()) {
+        cached = Cached{};
+        return nullptr;
+    }
+    if (cached.drawing && cached.path == path && cached.bytes == bytes) {
+        return cached.drawing.get();
+    }
+    std::unique_ptr<cad::Database> drawing;
+    try {
+        drawing = cad::ReadDxfString(bytes, path);
+    } catch (const cad::DxfError&) {
+        cached = Cached{};
+        return nullptr;
+    }
+    cached = Cached{path, std::move(bytes), std::move(drawing)};
     return cached.drawing.get();
 }
 
