@@ -179,6 +179,20 @@ Handle Database::Table(const std::string& tableName) const {
 }
 
 Handle Database::FindRecord(const std::string& tableName, std::string_view name) const {
+    // Names are looked up for every extended-data item and entity appended: a remembered
+    // answer is used while it still holds (records can be renamed or erased meanwhile).
+    std::string key = tableName;
+    key += '\0';
+    for (char c : name) {
+        key += static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
+    }
+    if (auto it = recordIndex_.find(key); it != recordIndex_.end()) {
+        const auto* r = dynamic_cast<const TableRecord*>(Object(it->second));
+        if (r != nullptr && !r->erased && EqualsNoCase(r->name, name)) {
+            return it->second;
+        }
+        recordIndex_.erase(it);
+    }
     const auto* table = Get<SymbolTable>(Table(tableName));
     if (table == nullptr) {
         return kNullHandle;
@@ -186,6 +200,7 @@ Handle Database::FindRecord(const std::string& tableName, std::string_view name)
     for (Handle h : table->records) {
         const auto* r = Get<TableRecord>(h);
         if (r != nullptr && !r->erased && EqualsNoCase(r->name, name)) {
+            recordIndex_.emplace(std::move(key), h);
             return h;
         }
     }

@@ -197,6 +197,7 @@ private:
     TagList classes_;
     TagList thumbnail_;
     std::vector<std::string> repairs_;
+    mutable std::unordered_map<std::string, Handle> recordIndex_;  // table + name -> record
 };
 
 }  // namespace cad

@@ -39,6 +39,15 @@ TEST(Database, AppendedEntitiesTakeCurrentLayerAndStyleAndKeepTheirHandles) {
     EXPECT_EQ(db.Get<Text>(text->handle), text);
     EXPECT_EQ(db.Get<Line>(text->handle), nullptr);  // typed access refuses the wrong type
     EXPECT_EQ(db.HeaderString("$CLAYER"), "DIM");
+    // Looking a name up again after a rename or an erase sees the change.
+    EXPECT_EQ(db.FindLayer("dim"), dim);
+    db.Layer(dim)->name = "DIM2";
+    EXPECT_EQ(db.FindLayer("DIM"), kNullHandle);
+    EXPECT_EQ(db.FindLayer("DIM2"), dim);
+    db.Layer(dim)->erased = true;
+    EXPECT_EQ(db.FindLayer("DIM2"), kNullHandle);
+    db.Layer(dim)->erased = false;
+    db.Layer(dim)->name = "DIM";
     ASSERT_EQ(db.Entities().size(), 2u);
 
     // Erasing marks: the object stays reachable by handle, iteration skips it.
