@@ -140,9 +140,16 @@ void Reader::EntityRecord(const Record& rec, Handle space) {
         }
         const auto* block = db_->Block(p.owner);
         const bool layout = block != nullptr && (block->IsModelSpace() || block->IsPaperSpace());
-        space = layout  ? p.owner
-                : paper ? db_->FindBlock("*Paper_Space")
-                        : db_->FindBlock("*Model_Space");
+        if (!layout) {
+            // Looked up once: the spaces do not change while the entities are read.
+            Handle& cached = paper ? paperSpace_ : modelSpace_;
+            if (cached == kNullHandle || db_->Block(cached) == nullptr) {
+                cached = db_->FindBlock(paper ? "*Paper_Space" : "*Model_Space");
+            }
+            space = cached;
+        } else {
+            space = p.owner;
+        }
     }
     Place(std::move(e), space, rec);
 }

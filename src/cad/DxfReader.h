@@ -92,6 +92,8 @@ private:
     std::unordered_map<std::string, Handle> layerCache_;
     std::unordered_map<std::string, Handle> styleCache_;
     std::unordered_map<std::string, Handle> appCache_;
+    Handle modelSpace_ = kNullHandle;
+    Handle paperSpace_ = kNullHandle;
     std::vector<std::pair<Handle, std::string>> pendingBlocks_;  // references to resolve
     Handle openParent_ = kNullHandle;  // an entity whose followers (ATTRIB, VERTEX) are coming
     long openParentLine_ = 0;
