@@ -103,39 +103,14 @@ void PrintCorner(const char* format, const cad::Point3d& point) {
 
 // Closes a piece with an opening and a closing bracket (converted from the UCS and linked
 // to the label like an outline). The closing bracket of a vertical piece runs through its
-// left-upper point, where the left edge's run ends, the two lower corners half a pitch below
-// the longer run, and its right-upper point, where the right edge's run ends; the cell
-// style prints these four points. Each upper point follows the run of the edge it stands
-// on (the first list on the right, the second on the left), so that the bracket closes the
-// piece's outline whichever side holds more terminals. A horizontal piece has the same
-// brackets with the axes exchanged: the upper end follows the first (upper) list and the
-// lower end the second, as on the whole module.
-// In the cell style the cells run between the brackets; the frame styles have nothing
-// there, so each edge's run gets a line of its own (linked like the brackets) and the
-// piece's outline closes all the same.
-void DrawEdgeRuns(DrawContext& ctx, double r1, double r2) {
-    const double H = ctx.dlg.typeWidth, p = ctx.dlg.termSpacing;
-    const bool vertical = ctx.dlg.orientation != 0;
-    const double runs[2] = {r1, r2};
-    for (int list = 0; list < 2; ++list) {
-        if (runs[list] <= 0) {
-            continue;
-        }
-        const double across = list == 0 ? 0.0 : -H;
-        const double from = p / 2, to = p / 2 + runs[list];
-        if (vertical) {
-            AddOutline(ctx, {{across, -from}, {across, -to}}, false);
-        } else {
-            AddOutline(ctx, {{from, across}, {to, across}}, false);
-        }
-    }
-}
-
+// left-upper point at the end of the first list's run, the two lower corners half a pitch
+// below the longer run, and its right-upper point at the end of the second list's run; the
+// cell style prints these four points, which other tools read back in this form. With
+// unequal sides the upper ends therefore do not meet the runs of the edges they stand on.
+// A horizontal piece has the same brackets with the axes exchanged: the upper end follows
+// the first (upper) list and the lower end the second, as on the whole module.
 void CloseBrackets(DrawContext& ctx, double r1, double r2) {
     const double H = ctx.dlg.typeWidth, p = ctx.dlg.termSpacing;
-    if (ctx.dlg.componentType != 3) {
-        DrawEdgeRuns(ctx, r1, r2);
-    }
     if (ctx.dlg.orientation == 0) {
         const double xe = p / 2 + std::max(r1, r2) + p / 2;
         AddOutline(ctx, {{p / 2, 0}, {0, 0}, {0, -H}, {p / 2, -H}}, false);
@@ -143,7 +118,7 @@ void CloseBrackets(DrawContext& ctx, double r1, double r2) {
         return;
     }
     const double yb = -p / 2 - std::max(r1, r2) - p / 2;
-    const cad::Point3d lu{-H, -p / 2 - r2}, ld{-H, yb}, rd{0, yb}, ru{0, -p / 2 - r1};
+    const cad::Point3d lu{-H, -p / 2 - r1}, ld{-H, yb}, rd{0, yb}, ru{0, -p / 2 - r2};
     AddOutline(ctx, {{-H, -p / 2}, {-H, 0}, {0, 0}, {0, -p / 2}}, false);
     AddOutline(ctx, {lu, ld, rd, ru}, false);
     if (ctx.dlg.componentType == 3) {

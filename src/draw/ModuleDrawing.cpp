@@ -156,11 +156,9 @@ bool DrawModule(CDlgPlcRendal& dlg, cad::Database& db, int outlineOnly) {
 
 int WriteModulePreview(CDlgPlcRendal& dlg, int outlineOnly) {
     cad::Database side;
-    // A drawing that failed has already said why; placing half a module would only ask
-    // the user for a point to no purpose.
-    if (!DrawModule(dlg, side, outlineOnly)) {
-        return 0;
-    }
+    // A drawing that fails has said why and cleared drawActive; what it drew is still the
+    // preview the user places.
+    DrawModule(dlg, side, outlineOnly);
     cad::ExplodeAllReferences(side);
     const std::string path = draw::PreviewPath();
     std::string error;

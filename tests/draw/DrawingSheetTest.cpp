@@ -58,9 +58,14 @@ TEST(DrawingPlacement, PreviewHoldsPlainGeometryOnly) {
     EXPECT_EQ(lines, 3);
     EXPECT_EQ(circles, 3);
 
-    // A symbol that cannot be read gives no preview to place.
+    // A symbol that cannot be read is reported and ends the drawing; the preview of what
+    // was drawn before it is still written.
     dlg->termSymbolPath = "/nonexistent/SYMB2_T.dxf";
-    EXPECT_EQ(WriteModulePreview(*dlg, 0), 0);
+    dlg->drawActive = 1;
+    EXPECT_EQ(WriteModulePreview(*dlg, 0), 1);
+    EXPECT_EQ(dlg->drawActive, 0);
+    EXPECT_NE(env.host.AllPrinted().find("文件</nonexistent/SYMB2_T.dxf>打开失败！\n"),
+              std::string::npos);
 }
 
 TEST(DrawingPlacement, DragShowsTheModuleFullSizeUnderTheCursor) {
@@ -191,11 +196,11 @@ TEST(DrawingDivided, VerticalCellStylePrintsTheClosingCorners) {
         3, 1, {{"1", "A", "     向右"}, {"2", "B", "     向右"}, {"3", "C", "向左"}});
     env.host.pointAnswers = {At(50, 200), At(50, 160)};  // 40 down: k = 3
     ASSERT_TRUE(DrawDivided(*dlg, env.drawing));
-    // Right run 20 (two terminals), left run 10 (one); yb = 200 - 5 - 20 - 5. Each upper
-    // corner closes the run of its own edge.
+    // First (right) run 20 from two terminals, second (left) run 10; yb = 200 - 5 - 20 - 5.
+    // The left-upper corner follows the first run and the right-upper corner the second.
     EXPECT_EQ(
         env.host.AllPrinted(),
-        "\nLU:(40.00,185.00)\n\nLD:(40.00,170.00)\n\nRD:(50.00,170.00)\n\nRU:(50.00,175.00)\n");
+        "\nLU:(40.00,175.00)\n\nLD:(40.00,170.00)\n\nRD:(50.00,170.00)\n\nRU:(50.00,185.00)\n");
     const auto refs = All<cad::BlockReference>(env.drawing);
     ASSERT_EQ(refs.size(), 3u);
     ExpectPoint(refs[0]->position, {52.5, 190}, "right 1");
@@ -209,11 +214,11 @@ TEST(DrawingDivided, VerticalCellStylePrintsTheClosingCorners) {
     quiet.host.pointAnswers = {At(0, 0), At(0, -30)};
     ASSERT_TRUE(DrawDivided(*frame, quiet.drawing));
     EXPECT_EQ(quiet.host.AllPrinted(), "");
-    // Without cells, the right edge's run gets its own line between the brackets.
+    // Without cells a piece is closed by its two brackets alone.
     const auto outline = All<cad::LwPolyline>(quiet.drawing);
-    ASSERT_EQ(outline.size(), 3u);
-    ExpectPoints(Vertices(*outline[0]), {{0, -5}, {0, -15}}, "right edge run");
-    ExpectPoints(Vertices(*outline[2]), {{-10, -5}, {-10, -20}, {0, -20}, {0, -15}},
+    ASSERT_EQ(outline.size(), 2u);
+    ExpectPoints(Vertices(*outline[0]), {{-10, -5}, {-10, 0}, {0, 0}, {0, -5}}, "opening bracket");
+    ExpectPoints(Vertices(*outline[1]), {{-10, -15}, {-10, -20}, {0, -20}, {0, -5}},
                  "closing bracket");
 }
 
