@@ -42,10 +42,10 @@ case "$mode" in
         ctest --test-dir "$build" --output-on-failure -j"$(nproc)" --timeout 900
         ;;
     sample)
-        QV_BUILD_DIR="$build" scripts/sample.sh
+        QV_BUILD_DIR="$build" bash scripts/sample.sh
         ;;
     bench)
-        QV_BUILD_DIR="$build" scripts/bench.sh
+        QV_BUILD_DIR="$build" bash scripts/bench.sh
         ;;
     *)
         echo "usage: ./run.sh [sample|test|build|bench]" >&2
