@@ -3,6 +3,8 @@
 #include <algorithm>
 #include <cmath>
 #include <numbers>
+#include <unordered_map>
+#include <unordered_set>
 
 #include "cad/Encoding.h"
 #include "cad/Operations.h"
@@ -10,8 +12,6 @@
 namespace cad {
 
 namespace {
-
-constexpr int kMaxNesting = 16;  // deeper block nesting is taken as a cycle
 
 bool IsFullWidth(char32_t c) {
     return (c >= 0x1100 && c <= 0x115F) || (c >= 0x2E80 && c <= 0x303E) ||
@@ -146,50 +146,74 @@ std::optional<Extents3d> PolylineExtents(const LwPolyline& p) {
     return e;
 }
 
-std::optional<Extents3d> Measure(const Database& db, const Entity& entity, int depth);
+// One measurement: each block's box is worked out once (in block units) and reused, and a
+// block met again inside itself is left out, so no file can make measuring blow up.
+struct Context {
+    std::unordered_map<Handle, std::optional<Extents3d>> boxes;
+    std::unordered_set<Handle> path;
+};
+
+std::optional<Extents3d> Measure(const Database& db, const Entity& entity, Context& ctx);
+
+std::optional<Extents3d> Union(const std::optional<Extents3d>& a,
+                               const std::optional<Extents3d>& b) {
+    if (!a) {
+        return b;
+    }
+    if (!b) {
+        return a;
+    }
+    Extents3d u = *a;
+    u.Add(*b);
+    return u;
+}
+
+std::optional<Extents3d> BlockBox(const Database& db, const BlockRecord& block, Context& ctx) {
+    if (auto it = ctx.boxes.find(block.handle); it != ctx.boxes.end()) {
+        return it->second;
+    }
+    if (!ctx.path.insert(block.handle).second) {
+        return std::nullopt;  // the block contains itself
+    }
+    std::optional<Extents3d> box;
+    for (Handle h : block.entities) {
+        const auto* e = db.Get<Entity>(h);
+        if (e != nullptr && !e->erased && e->Kind() != ObjectKind::AttributeDefinition) {
+            box = Union(box, Measure(db, *e, ctx));
+        }
+    }
+    ctx.path.erase(block.handle);
+    ctx.boxes.emplace(block.handle, box);
+    return box;
+}
 
 std::optional<Extents3d> ReferenceExtents(const Database& db, const BlockReference& ref,
-                                          int depth) {
+                                          Context& ctx) {
     const BlockRecord* block = db.Block(ref.block);
-    if (block == nullptr || depth > kMaxNesting) {
+    if (block == nullptr) {
         return std::nullopt;
     }
-    const Matrix3d m = BlockTransform(db, ref);
     std::optional<Extents3d> out;
-    auto add = [&out](const Extents3d& e) {
-        if (out) {
-            out->Add(e);
-        } else {
-            out = e;
+    if (const auto box = BlockBox(db, *block, ctx)) {
+        const Matrix3d m = BlockTransform(db, ref);
+        Extents3d t{m.Apply(box->min), m.Apply(box->min)};
+        for (int k = 0; k < 8; ++k) {
+            t.Add(m.Apply(Point3d{(k & 1) ? box->max.x : box->min.x,
+                                  (k & 2) ? box->max.y : box->min.y,
+                                  (k & 4) ? box->max.z : box->min.z}));
         }
-    };
-    for (Handle h : block->entities) {
-        const auto* e = db.Get<Entity>(h);
-        if (e == nullptr || e->erased || e->Kind() == ObjectKind::AttributeDefinition) {
-            continue;
-        }
-        if (auto box = Measure(db, *e, depth + 1)) {
-            Extents3d t{m.Apply(box->min), m.Apply(box->min)};
-            for (int k = 0; k < 8; ++k) {
-                t.Add(m.Apply(Point3d{(k & 1) ? box->max.x : box->min.x,
-                                      (k & 2) ? box->max.y : box->min.y,
-                                      (k & 4) ? box->max.z : box->min.z}));
-            }
-            add(t);
-        }
+        out = t;
     }
     for (Handle h : ref.attributes) {
         const auto* a = db.Get<Attribute>(h);
         if (a != nullptr && !a->erased) {
-            if (auto box = Measure(db, *a, depth + 1)) {
-                add(*box);
-            }
+            out = Union(out, Measure(db, *a, ctx));
         }
     }
     return out;
 }
 
-std::optional<Extents3d> Measure(const Database& db, const Entity& entity, int depth) {
+std::optional<Extents3d> Measure(const Database& db, const Entity& entity, Context& ctx) {
     if (entity.erased || !entity.visible) {
         return std::nullopt;
     }
@@ -234,7 +258,7 @@ std::optional<Extents3d> Measure(const Database& db, const Entity& entity, int d
         case ObjectKind::MText:
             return MTextExtents(static_cast<const MText&>(entity));
         case ObjectKind::BlockReference:
-            return ReferenceExtents(db, static_cast<const BlockReference&>(entity), depth);
+            return ReferenceExtents(db, static_cast<const BlockReference&>(entity), ctx);
         default:
             return std::nullopt;
     }
@@ -262,7 +286,8 @@ double TextWidth(std::string_view utf8, double height, double widthFactor) {
 }
 
 std::optional<Extents3d> EntityExtents(const Database& db, const Entity& entity) {
-    return Measure(db, entity, 0);
+    Context ctx;
+    return Measure(db, entity, ctx);
 }
 
 Matrix3d BlockTransform(const Database& db, const BlockReference& ref) {

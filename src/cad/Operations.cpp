@@ -1,6 +1,7 @@
 // Changing entities: transforms, explode, copies within and between databases.
 #include "cad/Operations.h"
 
+#include <algorithm>
 #include <cmath>
 #include <unordered_map>
 
@@ -243,12 +244,16 @@ void Resolve(Entity& e, const Inherit& from, Handle layerZero) {
     }
 }
 
+// `path` holds the blocks being exploded around this one: a block met again inside itself is
+// left out, so a file cannot make explode multiply without end.
 void ExplodeInto(Database& db, const BlockReference& ref, const Matrix3d& m, const Inherit& from,
-                 Handle space, std::vector<Handle>& out, int depth) {
+                 Handle space, std::vector<Handle>& out, std::vector<Handle>& path) {
     const BlockRecord* block = db.Block(ref.block);
-    if (block == nullptr || depth > kMaxNesting) {
+    if (block == nullptr || path.size() > kMaxNesting ||
+        std::find(path.begin(), path.end(), ref.block) != path.end()) {
         return;
     }
+    path.push_back(ref.block);
     const Handle layerZero = db.FindLayer("0");
     const std::vector<Handle> members = block->entities;  // appending may grow model space
     for (Handle h : members) {
@@ -260,7 +265,7 @@ void ExplodeInto(Database& db, const BlockReference& ref, const Matrix3d& m, con
         if (const auto* nested = dynamic_cast<const BlockReference*>(e)) {
             Inherit inner{nested->layer == layerZero ? from.layer : nested->layer,
                           nested->color == kColorByBlock ? from.color : nested->color};
-            ExplodeInto(db, *nested, m * BlockTransform(db, *nested), inner, space, out, depth + 1);
+            ExplodeInto(db, *nested, m * BlockTransform(db, *nested), inner, space, out, path);
             for (Handle a : nested->attributes) {
                 const auto* att = db.Get<Attribute>(a);
                 if (att != nullptr && !att->erased && (att->flags & 1) == 0) {
@@ -277,6 +282,7 @@ void ExplodeInto(Database& db, const BlockReference& ref, const Matrix3d& m, con
         Resolve(*copy, from, layerZero);
         out.push_back(db.Append(std::move(copy), space));
     }
+    path.pop_back();
 }
 
 }  // namespace
@@ -288,7 +294,8 @@ std::vector<Handle> ExplodeReference(Database& db, Handle reference) {
         return out;
     }
     const Handle space = ref->owner;
-    ExplodeInto(db, *ref, BlockTransform(db, *ref), {ref->layer, ref->color}, space, out, 0);
+    std::vector<Handle> path;
+    ExplodeInto(db, *ref, BlockTransform(db, *ref), {ref->layer, ref->color}, space, out, path);
     ref = db.Get<BlockReference>(reference);
     for (Handle a : ref->attributes) {
         const auto* att = db.Get<Attribute>(a);
