@@ -69,21 +69,21 @@ std::unique_ptr<cad::Database> Load(const std::string& path) {
     return nullptr;
 }
 
-std::optional<ParsedArgs> ParseWithHelp(const CommandSpec& spec, const Arguments& args,
+std::optional<ParsedArgs> ParseWithHelp(const CommandSpec& command, const Arguments& args,
                                         size_t positionals, int& exitCode) {
-    auto parsed = Parse(spec, args);
+    auto parsed = Parse(command, args);
     if (!parsed) {
         exitCode = kExitUsage;
         return std::nullopt;
     }
     if (parsed->help) {
-        std::fputs(HelpText(spec).c_str(), stdout);
+        std::fputs(HelpText(command).c_str(), stdout);
         exitCode = kExitOk;
         return std::nullopt;
     }
     if (parsed->positional.size() != positionals) {
         std::fprintf(stderr, "qvplc: expected %zu file name(s)\nusage: %s\n", positionals,
-                     spec.usage.c_str());
+                     command.usage.c_str());
         exitCode = kExitUsage;
         return std::nullopt;
     }

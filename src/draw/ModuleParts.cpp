@@ -52,17 +52,17 @@ struct TextSpec {
     int color = 2;
 };
 
-cad::Text* AddText(DrawContext& ctx, const std::string& content, const TextSpec& spec) {
+cad::Text* AddText(DrawContext& ctx, const std::string& content, const TextSpec& style) {
     auto text = std::make_unique<cad::Text>();
     text->text = content;
-    text->height = spec.height;
-    text->rotation = spec.rotation;
+    text->height = style.height;
+    text->rotation = style.rotation;
     text->widthFactor = 0.8;
-    text->horizontal = spec.horz;
-    text->vertical = spec.vert;
-    text->color = static_cast<std::int16_t>(spec.color);
+    text->horizontal = style.horz;
+    text->vertical = style.vert;
+    text->color = static_cast<std::int16_t>(style.color);
     text->layer = ctx.layer;
-    text->SetAnchor(ctx.At(spec.at.x, spec.at.y));
+    text->SetAnchor(ctx.At(style.at.x, style.at.y));
     cad::Text* raw = text.get();
     ctx.db.Append(std::move(text));
     return raw;
