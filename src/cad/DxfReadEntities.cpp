@@ -62,36 +62,38 @@ void Reader::EntitiesSection(long line) {
     }
 }
 
-Handle Reader::LayerNamed(const std::string& name) {
-    auto it = layerCache_.find(name);
-    if (it != layerCache_.end()) {
+// Resolves a table entry named by an entity; a name the file never defined is added, so
+// that the written drawing defines every name it uses.
+Handle Reader::NamedEntry(std::unordered_map<std::string, Handle>& cache, const std::string& name,
+                          const NamedTable& table) {
+    auto it = cache.find(name);
+    if (it != cache.end()) {
         return it->second;
     }
-    Handle h = db_->FindLayer(name);
+    Handle h = table.find(*db_, name);
     if (h == kNullHandle) {
         const Handle before = db_->HandleSeed();
-        h = db_->AddLayer(name.empty() ? "0" : name);
+        h = table.add(*db_, name.empty() ? table.fallback : name);
         Generated(before);
-        Repair("layer " + name + " was used but not defined; it was added");
+        Repair(std::string(table.kind) + " " + name + " was used but not defined; it was added");
     }
-    layerCache_.emplace(name, h);
+    cache.emplace(name, h);
     return h;
 }
 
+Handle Reader::LayerNamed(const std::string& name) {
+    static const NamedTable layers{
+        [](Database& db, const std::string& n) { return db.FindLayer(n); },
+        [](Database& db, const std::string& n) { return db.AddLayer(n); }, "0", "layer"};
+    return NamedEntry(layerCache_, name, layers);
+}
+
 Handle Reader::StyleNamed(const std::string& name) {
-    auto it = styleCache_.find(name);
-    if (it != styleCache_.end()) {
-        return it->second;
-    }
-    Handle h = db_->FindTextStyle(name);
-    if (h == kNullHandle) {
-        const Handle before = db_->HandleSeed();
-        h = db_->AddTextStyle(name.empty() ? "Standard" : name);
-        Generated(before);
-        Repair("text style " + name + " was used but not defined; it was added");
-    }
-    styleCache_.emplace(name, h);
-    return h;
+    static const NamedTable styles{
+        [](Database& db, const std::string& n) { return db.FindTextStyle(n); },
+        [](Database& db, const std::string& n) { return db.AddTextStyle(n); }, "Standard",
+        "text style"};
+    return NamedEntry(styleCache_, name, styles);
 }
 
 namespace {

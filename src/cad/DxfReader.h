@@ -80,6 +80,14 @@ private:
     bool TakeSpecific(Entity& e, const std::string& marker, const RawTag& t,
                       std::vector<LwVertex>* vertices);
     void ReadXData(Entity& e, const std::vector<RawTag>& tags);
+    struct NamedTable {
+        Handle (*find)(Database&, const std::string&);
+        Handle (*add)(Database&, const std::string&);
+        const char* fallback;  // the name given to an entry named by empty text
+        const char* kind;
+    };
+    Handle NamedEntry(std::unordered_map<std::string, Handle>& cache, const std::string& name,
+                      const NamedTable& table);
     Handle LayerNamed(const std::string& name);
     Handle StyleNamed(const std::string& name);
     void Place(std::unique_ptr<Entity> e, Handle space, const Record& rec);

@@ -300,15 +300,10 @@ void Writer::Blocks() {
     Raw(0, "ENDSEC");
 }
 
-void Writer::Block(const BlockRecord& block, bool withEntities) {
-    bool hasAttdefs = false;
-    for (Handle h : block.entities) {
-        const auto* d = db_.Get<AttributeDefinition>(h);
-        hasAttdefs = hasAttdefs || (d != nullptr && !d->erased);
-    }
-    Raw(0, "BLOCK");
-    Hex(5, block.beginHandle);
-    if (const TagList* pre = block.beginExtra.Find("")) {
+// BLOCK and ENDBLK open alike: own handle, owner, entity subclass, the block's layer.
+void Writer::BlockEntityHead(const BlockRecord& block, Handle own, const ExtraTags& extra) {
+    Hex(5, own);
+    if (const TagList* pre = extra.Find("")) {
         Tags(*pre);
     }
     Hex(330, block.handle);
@@ -317,9 +312,19 @@ void Writer::Block(const BlockRecord& block, bool withEntities) {
         Raw(67, "1");
     }
     Str(8, block.beginLayer != kNullHandle ? NameOf(block.beginLayer) : "0");
-    if (const TagList* t = block.beginExtra.Find("AcDbEntity")) {
+    if (const TagList* t = extra.Find("AcDbEntity")) {
         Tags(*t);
     }
+}
+
+void Writer::Block(const BlockRecord& block, bool withEntities) {
+    bool hasAttdefs = false;
+    for (Handle h : block.entities) {
+        const auto* d = db_.Get<AttributeDefinition>(h);
+        hasAttdefs = hasAttdefs || (d != nullptr && !d->erased);
+    }
+    Raw(0, "BLOCK");
+    BlockEntityHead(block, block.beginHandle, block.beginExtra);
     Raw(100, "AcDbBlockBegin");
     Str(2, block.name);
     Int(70, hasAttdefs ? (block.flags | 2) : (block.flags & ~2));
@@ -338,19 +343,7 @@ void Writer::Block(const BlockRecord& block, bool withEntities) {
         }
     }
     Raw(0, "ENDBLK");
-    Hex(5, block.endHandle);
-    if (const TagList* pre = block.endExtra.Find("")) {
-        Tags(*pre);
-    }
-    Hex(330, block.handle);
-    Raw(100, "AcDbEntity");
-    if (block.handle == db_.PaperSpace()) {
-        Raw(67, "1");
-    }
-    Str(8, block.beginLayer != kNullHandle ? NameOf(block.beginLayer) : "0");
-    if (const TagList* t = block.endExtra.Find("AcDbEntity")) {
-        Tags(*t);
-    }
+    BlockEntityHead(block, block.endHandle, block.endExtra);
     Raw(100, "AcDbBlockEnd");
     if (const TagList* t = block.endExtra.Find("AcDbBlockEnd")) {
         Tags(*t);

@@ -34,6 +34,7 @@ private:
     void Record(const DbObject& record);
     void Blocks();
     void Block(const BlockRecord& block, bool withEntities);
+    void BlockEntityHead(const BlockRecord& block, Handle own, const ExtraTags& extra);
     void EntitiesSection();
     void Objects();
     void Object(const DbObject& object);
