@@ -64,9 +64,9 @@ private:
         if (o.owner != kNullHandle && db_.Object(o.owner) == nullptr) {
             Issue(o.handle, "owner " + FormatHandle(o.owner) + " does not exist");
         }
-        if (const auto* e = dynamic_cast<const Entity*>(&o)) {
+        if (const auto* e = Database::Cast<Entity>(&o)) {
             CheckEntity(*e);
-        } else if (const auto* r = dynamic_cast<const TableRecord*>(&o)) {
+        } else if (const auto* r = Database::Cast<TableRecord>(&o)) {
             if (db_.Get<SymbolTable>(r->owner) == nullptr) {
                 Issue(o.handle, "table record \"" + r->name + "\" is not owned by a table");
             }
@@ -88,13 +88,13 @@ private:
             (db_.TextStyle(style) == nullptr || db_.TextStyle(style)->erased)) {
             Issue(e.handle, e.TypeName() + " uses a text style that does not exist");
         }
-        if (const auto* ref = dynamic_cast<const BlockReference*>(&e)) {
+        if (const auto* ref = Database::Cast<BlockReference>(&e)) {
             const auto* block = db_.Block(ref->block);
             if (block == nullptr || block->erased) {
                 Issue(e.handle, "block reference names a block that does not exist");
             }
         }
-        if (const auto* pl = dynamic_cast<const LwPolyline*>(&e);
+        if (const auto* pl = Database::Cast<LwPolyline>(&e);
             pl != nullptr && pl->vertices.empty()) {
             Issue(e.handle, "polyline has no vertices");
         }
@@ -102,10 +102,10 @@ private:
     }
 
     static Handle StyleOf(const Entity& e) {
-        if (const auto* t = dynamic_cast<const Text*>(&e)) {
+        if (const auto* t = Database::Cast<Text>(&e)) {
             return t->style;
         }
-        if (const auto* m = dynamic_cast<const MText*>(&e)) {
+        if (const auto* m = Database::Cast<MText>(&e)) {
             return m->style;
         }
         return kNullHandle;

@@ -6,6 +6,8 @@
 // be written as it is.
 #pragma once
 
+#include <type_traits>
+
 #include <functional>
 #include <memory>
 #include <string>
@@ -41,11 +43,29 @@ public:
     const DbObject* Object(Handle h) const;
     template <class T>
     T* Get(Handle h) {
-        return dynamic_cast<T*>(Object(h));
+        return const_cast<T*>(Cast<T>(Object(h)));
     }
     template <class T>
     const T* Get(Handle h) const {
-        return dynamic_cast<const T*>(Object(h));
+        return Cast<T>(Object(h));
+    }
+    // Typed access asks the object its kind where that decides (every concrete class is
+    // final): look-ups by handle sit on the hot path of reading, writing and drawing.
+    template <class T>
+    static const T* Cast(const DbObject* object) {
+        if (object == nullptr) {
+            return nullptr;
+        }
+        if constexpr (std::is_same_v<T, DbObject>) {
+            return object;
+        } else if constexpr (std::is_same_v<T, Entity>) {
+            return object->Kind() <= ObjectKind::UnknownEntity ? static_cast<const T*>(object)
+                                                               : nullptr;
+        } else if constexpr (std::is_final_v<T>) {
+            return object->Kind() == T::kKind ? static_cast<const T*>(object) : nullptr;
+        } else {
+            return dynamic_cast<const T*>(object);
+        }
     }
     // Takes an object, gives it a new handle when it has none, and owns it. Returns the handle.
     Handle Add(std::unique_ptr<DbObject> object);

@@ -132,7 +132,7 @@ void Writer::Head(const DbObject& o, const std::string& type, Handle owner, int 
 
 const std::string& Writer::NameOf(Handle record) const {
     static const std::string none;
-    const auto* r = dynamic_cast<const TableRecord*>(db_.Object(record));
+    const auto* r = Database::Cast<TableRecord>(db_.Object(record));
     return r == nullptr ? none : r->name;
 }
 
@@ -236,7 +236,7 @@ void Writer::Table(const SymbolTable& table) {
 }
 
 void Writer::Record(const DbObject& record) {
-    if (const auto* other = dynamic_cast<const OtherRecord*>(&record)) {
+    if (const auto* other = Database::Cast<OtherRecord>(&record)) {
         Head(record, other->typeName, record.owner, other->typeName == "DIMSTYLE" ? 105 : 5);
         Tags(other->tags);
         return;
@@ -245,14 +245,14 @@ void Writer::Record(const DbObject& record) {
     Head(r, r.TypeName(), r.owner);
     Raw(100, "AcDbSymbolTableRecord");
     Extra(r, "AcDbSymbolTableRecord");
-    if (const auto* layer = dynamic_cast<const LayerRecord*>(&r)) {
+    if (const auto* layer = Database::Cast<LayerRecord>(&r)) {
         Raw(100, "AcDbLayerTableRecord");
         Str(2, r.name);
         Int(70, r.flags);
         Int(62, layer->color);
         Str(6, layer->linetype != kNullHandle ? NameOf(layer->linetype) : "Continuous");
         Extra(r, "AcDbLayerTableRecord");
-    } else if (const auto* style = dynamic_cast<const TextStyleRecord*>(&r)) {
+    } else if (const auto* style = Database::Cast<TextStyleRecord>(&r)) {
         Raw(100, "AcDbTextStyleTableRecord");
         Str(2, r.name);
         Int(70, r.flags);
@@ -264,19 +264,19 @@ void Writer::Record(const DbObject& record) {
         Str(3, style->font);
         Str(4, style->bigFont);
         Extra(r, "AcDbTextStyleTableRecord");
-    } else if (const auto* ltype = dynamic_cast<const LinetypeRecord*>(&r)) {
+    } else if (const auto* ltype = Database::Cast<LinetypeRecord>(&r)) {
         Raw(100, "AcDbLinetypeTableRecord");
         Str(2, r.name);
         Int(70, r.flags);
         Str(3, ltype->description);
         Tags(ltype->pattern);
         Extra(r, "AcDbLinetypeTableRecord");
-    } else if (dynamic_cast<const AppIdRecord*>(&r) != nullptr) {
+    } else if (Database::Cast<AppIdRecord>(&r) != nullptr) {
         Raw(100, "AcDbRegAppTableRecord");
         Str(2, AppName(r.handle));
         Int(70, r.flags);
         Extra(r, "AcDbRegAppTableRecord");
-    } else if (const auto* block = dynamic_cast<const BlockRecord*>(&r)) {
+    } else if (const auto* block = Database::Cast<BlockRecord>(&r)) {
         Raw(100, "AcDbBlockTableRecord");
         Str(2, r.name);
         Hex(340, block->layout);
@@ -380,7 +380,7 @@ void Writer::Objects() {
 }
 
 void Writer::Object(const DbObject& o) {
-    if (const auto* dict = dynamic_cast<const Dictionary*>(&o)) {
+    if (const auto* dict = Database::Cast<Dictionary>(&o)) {
         Head(o, "DICTIONARY", o.owner);
         Raw(100, "AcDbDictionary");
         if (dict->hardOwner) {
@@ -396,12 +396,12 @@ void Writer::Object(const DbObject& o) {
             Hex(dict->hardOwner ? 360 : 350, value);
         }
         Extra(o, "AcDbDictionary");
-    } else if (const auto* x = dynamic_cast<const XRecord*>(&o)) {
+    } else if (const auto* x = Database::Cast<XRecord>(&o)) {
         Head(o, "XRECORD", o.owner);
         Raw(100, "AcDbXrecord");
         Int(280, x->cloning);
         Tags(x->data);
-    } else if (const auto* u = dynamic_cast<const UnknownObject*>(&o)) {
+    } else if (const auto* u = Database::Cast<UnknownObject>(&o)) {
         Head(o, u->typeName, o.owner);
         Tags(u->tags);
     }

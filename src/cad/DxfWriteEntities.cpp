@@ -64,7 +64,7 @@ std::vector<std::string_view> SplitMText(std::string_view s, bool utf8) {
 }  // namespace
 
 void Writer::Entity(const cad::Entity& e) {
-    if (const auto* u = dynamic_cast<const UnknownEntity*>(&e)) {
+    if (const auto* u = Database::Cast<UnknownEntity>(&e)) {
         Head(e, u->typeName, e.owner);
         Tags(u->tags);
         XData(e);
@@ -80,7 +80,7 @@ void Writer::Entity(const cad::Entity& e) {
     EntityCommon(e);
     Body(e);
     XData(e);
-    if (const auto* ref = dynamic_cast<const BlockReference*>(&e);
+    if (const auto* ref = Database::Cast<BlockReference>(&e);
         ref != nullptr && !ref->attributes.empty()) {
         for (Handle a : ref->attributes) {
             if (const auto* att = db_.Get<cad::Entity>(a); att != nullptr && !att->erased) {

@@ -43,7 +43,7 @@ protected:
         return std::make_unique<Class>(*this);                 \
     }
 
-class Line : public Entity {
+class Line final : public Entity {
 public:
     QV_CAD_OBJECT(Line, Line, "LINE")
     Point3d start;
@@ -58,7 +58,7 @@ struct LwVertex {
     double bulge = 0;  // tan(arc angle / 4), positive counter-clockwise
 };
 
-class LwPolyline : public Entity {
+class LwPolyline final : public Entity {
 public:
     QV_CAD_OBJECT(LwPolyline, LwPolyline, "LWPOLYLINE")
     std::vector<LwVertex> vertices;
@@ -68,14 +68,14 @@ public:
     double elevation = 0;
 };
 
-class Circle : public Entity {
+class Circle final : public Entity {
 public:
     QV_CAD_OBJECT(Circle, Circle, "CIRCLE")
     Point3d center;
     double radius = 0;
 };
 
-class Arc : public Entity {
+class Arc final : public Entity {
 public:
     QV_CAD_OBJECT(Arc, Arc, "ARC")
     Point3d center;
@@ -84,7 +84,7 @@ public:
     double endAngle = 0;
 };
 
-class PointEntity : public Entity {
+class PointEntity final : public Entity {
 public:
     QV_CAD_OBJECT(PointEntity, Point, "POINT")
     Point3d position;
@@ -121,7 +121,7 @@ public:
     void SetAnchor(const Point3d& p);
 };
 
-class AttributeDefinition : public Text {
+class AttributeDefinition final : public Text {
 public:
     QV_CAD_OBJECT(AttributeDefinition, AttributeDefinition, "ATTDEF")
     std::string tag;
@@ -129,14 +129,14 @@ public:
     int flags = 0;  // 1 invisible, 2 constant, 4 verify, 8 preset
 };
 
-class Attribute : public Text {
+class Attribute final : public Text {
 public:
     QV_CAD_OBJECT(Attribute, Attribute, "ATTRIB")
     std::string tag;
     int flags = 0;
 };
 
-class MText : public Entity {
+class MText final : public Entity {
 public:
     QV_CAD_OBJECT(MText, MText, "MTEXT")
     Point3d position;
@@ -148,7 +148,7 @@ public:
     Handle style = kNullHandle;
 };
 
-class BlockReference : public Entity {
+class BlockReference final : public Entity {
 public:
     QV_CAD_OBJECT(BlockReference, BlockReference, "INSERT")
     Handle block = kNullHandle;  // block record
@@ -160,14 +160,14 @@ public:
 };
 
 // Ends the attribute list of a block reference (or the vertices of an unmodelled entity).
-class Seqend : public Entity {
+class Seqend final : public Entity {
 public:
     QV_CAD_OBJECT(Seqend, Seqend, "SEQEND")
 };
 
 // Any other entity read from a file (hatch, spline, dimension, image, ...): its tags after
 // the handle and owner, in order, extended data excepted. Written back as read.
-class UnknownEntity : public Entity {
+class UnknownEntity final : public Entity {
 public:
     QV_CAD_OBJECT(UnknownEntity, UnknownEntity, typeName)
     std::string typeName;

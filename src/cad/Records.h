@@ -10,7 +10,7 @@
 namespace cad {
 
 // The head of one table (LAYER, STYLE, ...); records are listed in file order.
-class SymbolTable : public DbObject {
+class SymbolTable final : public DbObject {
 public:
     QV_CAD_OBJECT(SymbolTable, SymbolTable, "TABLE")
     std::string name;  // "LAYER", "STYLE", "LTYPE", "APPID", "BLOCK_RECORD", "VPORT", ...
@@ -27,14 +27,14 @@ protected:
     TableRecord(const TableRecord&) = default;
 };
 
-class LayerRecord : public TableRecord {
+class LayerRecord final : public TableRecord {
 public:
     QV_CAD_OBJECT(LayerRecord, Layer, "LAYER")
     int color = 7;  // negative: layer off
     Handle linetype = kNullHandle;
 };
 
-class TextStyleRecord : public TableRecord {
+class TextStyleRecord final : public TableRecord {
 public:
     QV_CAD_OBJECT(TextStyleRecord, TextStyle, "STYLE")
     double fixedHeight = 0;
@@ -46,20 +46,20 @@ public:
     std::string bigFont;
 };
 
-class LinetypeRecord : public TableRecord {
+class LinetypeRecord final : public TableRecord {
 public:
     QV_CAD_OBJECT(LinetypeRecord, Linetype, "LTYPE")
     std::string description;
     TagList pattern;  // 72, 73, 40 and the dash items, as read or as created
 };
 
-class AppIdRecord : public TableRecord {
+class AppIdRecord final : public TableRecord {
 public:
     QV_CAD_OBJECT(AppIdRecord, AppId, "APPID")
 };
 
 // A block: its table record, the BLOCK and ENDBLK around its entities, and the entities.
-class BlockRecord : public TableRecord {
+class BlockRecord final : public TableRecord {
 public:
     QV_CAD_OBJECT(BlockRecord, BlockRecord, "BLOCK_RECORD")
     Point3d basePoint;
@@ -78,14 +78,14 @@ public:
 };
 
 // Any other table record (VPORT, VIEW, UCS, DIMSTYLE, ...): its tags after the owner.
-class OtherRecord : public TableRecord {
+class OtherRecord final : public TableRecord {
 public:
     QV_CAD_OBJECT(OtherRecord, OtherRecord, typeName)
     std::string typeName;
     TagList tags;
 };
 
-class Dictionary : public DbObject {
+class Dictionary final : public DbObject {
 public:
     QV_CAD_OBJECT(Dictionary, Dictionary, "DICTIONARY")
     std::vector<std::pair<std::string, Handle>> entries;
@@ -97,7 +97,7 @@ public:
     bool Remove(const std::string& key);
 };
 
-class XRecord : public DbObject {
+class XRecord final : public DbObject {
 public:
     QV_CAD_OBJECT(XRecord, XRecord, "XRECORD")
     int cloning = 1;  // 280
@@ -109,7 +109,7 @@ public:
 
 // Any other object read from a file (LAYOUT, ACDBPLACEHOLDER, MLINESTYLE, IMAGEDEF, ...) or
 // created for a new drawing: its tags after the owner, written back as they are.
-class UnknownObject : public DbObject {
+class UnknownObject final : public DbObject {
 public:
     QV_CAD_OBJECT(UnknownObject, UnknownObject, typeName)
     std::string typeName;
