@@ -100,6 +100,14 @@ void AppendReal(std::string& out, double v) {
         return;
     }
     char buf[32];
+    // Whole numbers below 10000 are the same text in the shortest form and as integers;
+    // drawings are full of them, and integer formatting costs a fraction.
+    if (std::abs(v) < 10000 && v == static_cast<double>(static_cast<int>(v))) {
+        auto res = std::to_chars(buf, buf + sizeof buf, static_cast<int>(v));
+        out.append(buf, res.ptr - buf);
+        out += ".0";
+        return;
+    }
     auto res = std::to_chars(buf, buf + sizeof buf, v);
     const std::string_view s(buf, res.ptr - buf);
     out += s;
