@@ -61,6 +61,17 @@ public:
         } else if constexpr (std::is_same_v<T, Entity>) {
             return object->Kind() <= ObjectKind::UnknownEntity ? static_cast<const T*>(object)
                                                                : nullptr;
+        } else if constexpr (std::is_same_v<T, TableRecord>) {
+            const ObjectKind k = object->Kind();
+            return k >= ObjectKind::Layer && k <= ObjectKind::OtherRecord
+                       ? static_cast<const T*>(object)
+                       : nullptr;
+        } else if constexpr (std::is_same_v<T, Text>) {
+            const ObjectKind k = object->Kind();
+            return k == ObjectKind::Text || k == ObjectKind::AttributeDefinition ||
+                           k == ObjectKind::Attribute
+                       ? static_cast<const T*>(object)
+                       : nullptr;
         } else if constexpr (std::is_final_v<T>) {
             return object->Kind() == T::kKind ? static_cast<const T*>(object) : nullptr;
         } else {
