@@ -48,16 +48,20 @@ void CairoCanvas::SetColour(Rgb colour) {
     cairo_set_source_rgb(cr_, colour.r, colour.g, colour.b);
 }
 
-void CairoCanvas::StrokePoints(const std::vector<Point2>& points, Rgb colour) {
-    if (points.empty()) {
-        return;
-    }
+void CairoCanvas::TracePath(const std::vector<Point2>& points) {
     const Point2 first = ToPixel(points[0]);
     cairo_move_to(cr_, first.x, first.y);
     for (size_t i = 1; i < points.size(); ++i) {
         const Point2 p = ToPixel(points[i]);
         cairo_line_to(cr_, p.x, p.y);
     }
+}
+
+void CairoCanvas::StrokePoints(const std::vector<Point2>& points, Rgb colour) {
+    if (points.empty()) {
+        return;
+    }
+    TracePath(points);
     SetColour(colour);
     cairo_set_line_width(cr_, lineWidthPx_);
     cairo_stroke(cr_);
@@ -68,12 +72,7 @@ void CairoCanvas::FillOutlines(const std::vector<std::vector<Point2>>& outlines,
         if (points.size() < 3) {
             continue;
         }
-        const Point2 first = ToPixel(points[0]);
-        cairo_move_to(cr_, first.x, first.y);
-        for (size_t i = 1; i < points.size(); ++i) {
-            const Point2 p = ToPixel(points[i]);
-            cairo_line_to(cr_, p.x, p.y);
-        }
+        TracePath(points);
         cairo_close_path(cr_);
     }
     // One fill for all of them: neighbouring pieces (the two halves of a dot) show no seam.

@@ -36,6 +36,7 @@ public:
 
 private:
     Point2 ToPixel(Point2 world) const;
+    void TracePath(const std::vector<Point2>& points);  // a path through non-empty points
     void StrokePoints(const std::vector<Point2>& points, Rgb colour);
     void FillOutlines(const std::vector<std::vector<Point2>>& outlines, Rgb colour);
     void SetColour(Rgb colour);
