@@ -9,6 +9,7 @@
 #include "cad/Operations.h"
 #include "cadutil/EntityHelpers.h"
 #include "draw/DlgPlcRendal.h"
+#include "draw/DrawingFileCache.h"
 #include "draw/ModuleParts.h"
 #include "host/Host.h"
 #include "host/SuiteServices.h"
@@ -84,9 +85,9 @@ void DrawTerminals(DrawContext& ctx, const TermLists& lists) {
 
 // The preview is scratch, read back at once and rewritten by the next drawing: it is
 // written whole (a temporary file renamed over it) in the user's save format, but not
-// synced to disk, which would cost more than drawing the module.
-bool WriteScratchDrawing(const cad::Database& db, const std::string& path, std::string& error) {
-    std::string text;
+// synced to disk, which would cost more than drawing the module. `text` is what was written.
+bool WriteScratchDrawing(const cad::Database& db, const std::string& path, std::string& text,
+                         std::string& error) {
     try {
         const auto format = host::Current().GetEnvironment("DefaultFormatForSave");
         text = cad::WriteDxfString(db, cad::VersionForSaveFormat(format));
@@ -119,6 +120,13 @@ bool WriteScratchDrawing(const cad::Database& db, const std::string& path, std::
 
 std::string PreviewPath() {
     return suite::PathJoin(suite::GetZandrixLocalInstallPath(), kPreviewFile);
+}
+
+// The preview drawing is placed right after it is written: the drawing in memory stands for
+// the file while the file still holds what was written.
+DrawingFileCache& PreviewCache() {
+    static DrawingFileCache cache;
+    return cache;
 }
 
 }  // namespace
@@ -155,17 +163,18 @@ bool DrawModule(CDlgPlcRendal& dlg, cad::Database& db, int outlineOnly) {
 }
 
 int WriteModulePreview(CDlgPlcRendal& dlg, int outlineOnly) {
-    cad::Database side;
+    auto side = std::make_unique<cad::Database>();
     // A drawing that fails has said why and cleared drawActive; what it drew is still the
     // preview the user places.
-    DrawModule(dlg, side, outlineOnly);
-    cad::ExplodeAllReferences(side);
+    DrawModule(dlg, *side, outlineOnly);
+    cad::ExplodeAllReferences(*side);
     const std::string path = draw::PreviewPath();
-    std::string error;
-    if (!draw::WriteScratchDrawing(side, path, error)) {
+    std::string text, error;
+    if (!draw::WriteScratchDrawing(*side, path, text, error)) {
         host::Print("文件<" + path + ">写入失败：" + error + "\n");
         return 0;
     }
+    draw::PreviewCache().Remember(path, std::move(text), std::move(side));
     return 1;
 }
 
@@ -175,8 +184,8 @@ int DragPlaceModule(CDlgPlcRendal& dlg, cad::Point3d& out, int keep) {
         return 0;
     }
     std::string error;
-    const auto preview = cad::TryReadDxfFile(path, error);
-    if (!preview) {
+    const cad::Database* preview = draw::PreviewCache().Read(path, error);
+    if (preview == nullptr) {
         host::Print("文件<" + path + ">打开失败！" + "\n");
         return 0;
     }

@@ -2,18 +2,15 @@
 
 #include <algorithm>
 #include <cmath>
-#include <filesystem>
-#include <fstream>
-#include <iterator>
 #include <memory>
 
-#include "cad/Dxf.h"
 #include "cad/Operations.h"
 #include "cadutil/BlockHelpers.h"
 #include "cadutil/EntityHelpers.h"
 #include "cadutil/SymbolData.h"
 #include "draw/AworkSettings.h"
 #include "draw/DlgPlcRendal.h"
+#include "draw/DrawingFileCache.h"
 #include "draw/ModuleDrawing.h"
 #include "host/Host.h"
 
@@ -164,40 +161,12 @@ void CellTexts(Side side, const cad::Point3d& centre, const cad::Vector3d& size,
     number.rotation = desc.rotation = vertical ? kAngle270 : 0.0;
 }
 
-// The symbol drawing at `path`, read with shared access (read-only, not locked). Every
-// module drawing reads its symbol again; a batch of modules would spend a third of its time
-// parsing the same file, so the last drawing parsed is kept with the file's bytes and used
-// again only while the file holds exactly those bytes. Null when the file cannot be read.
+// The symbol drawing at `path`, read with shared access (read-only, not locked); every
+// module drawing reads its symbol again, so the last one parsed is kept.
 const cad::Database* ReadSymbolDrawing(const std::string& path) {
-    struct Cached {
-        std::string path;
-        std::string bytes;
-        std::unique_ptr<cad::Database> drawing;
-    };
-    static Cached cached;
-    std::error_code ec;
-    std::ifstream in(path, std::ios::binary);
-    if (!std::filesystem::is_regular_file(path, ec) || !in) {
-        cached = Cached{};
-        return nullptr;
-    }
-    std::string bytes((std::istreambuf_iterator<char>(in)), std::istreambuf_iterator<char>());
-    if (in.bad()) {
-        cached = Cached{};
-        return nullptr;
-    }
-    if (cached.drawing && cached.path == path && cached.bytes == bytes) {
-        return cached.drawing.get();
-    }
-    std::unique_ptr<cad::Database> drawing;
-    try {
-        drawing = cad::ReadDxfString(bytes, path);
-    } catch (const cad::DxfError&) {
-        cached = Cached{};
-        return nullptr;
-    }
-    cached = Cached{path, std::move(bytes), std::move(drawing)};
-    return cached.drawing.get();
+    static DrawingFileCache cache;
+    std::string error;
+    return cache.Read(path, error);
 }
 
 // The first terminal-text point a symbol's designer marked, in world coordinates.
