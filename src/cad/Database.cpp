@@ -85,11 +85,11 @@ Handle Database::Append(std::unique_ptr<Entity> entity, Handle space) {
     if (entity->layer == kNullHandle) {
         entity->layer = currentLayer_;
     }
-    if (auto* text = dynamic_cast<Text*>(entity.get());
+    if (auto* text = const_cast<Text*>(Cast<Text>(entity.get()));
         text != nullptr && text->style == kNullHandle) {
         text->style = currentStyle_;
     }
-    if (auto* mtext = dynamic_cast<MText*>(entity.get());
+    if (auto* mtext = const_cast<MText*>(Cast<MText>(entity.get()));
         mtext != nullptr && mtext->style == kNullHandle) {
         mtext->style = currentStyle_;
     }
@@ -111,7 +111,7 @@ std::vector<Entity*> Database::Entities(Handle space) {
     }
     out.reserve(block->entities.size());
     for (Handle h : block->entities) {
-        auto* e = dynamic_cast<Entity*>(Object(h));
+        auto* e = Get<Entity>(h);
         if (e != nullptr && !e->erased) {
             out.push_back(e);
         }
@@ -153,12 +153,12 @@ bool Database::Erase(Handle h) {
         return false;
     }
     o->erased = true;
-    if (auto* ref = dynamic_cast<BlockReference*>(o)) {
+    if (auto* ref = Database::Cast<BlockReference>(o)) {
         for (Handle a : ref->attributes) {
             Erase(a);
         }
         Erase(ref->seqend);
-    } else if (auto* unknown = dynamic_cast<UnknownEntity*>(o)) {
+    } else if (auto* unknown = Database::Cast<UnknownEntity>(o)) {
         for (Handle f : unknown->followers) {
             Erase(f);
         }
@@ -181,13 +181,15 @@ Handle Database::Table(const std::string& tableName) const {
 Handle Database::FindRecord(const std::string& tableName, std::string_view name) const {
     // Names are looked up for every extended-data item and entity appended: a remembered
     // answer is used while it still holds (records can be renamed or erased meanwhile).
-    std::string key = tableName;
+    // The key is built in a kept buffer: most look-ups find their answer and allocate nothing.
+    std::string& key = lookupKey_;
+    key.assign(tableName);
     key += '\0';
     for (char c : name) {
         key += static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
     }
     if (auto it = recordIndex_.find(key); it != recordIndex_.end()) {
-        const auto* r = dynamic_cast<const TableRecord*>(Object(it->second));
+        const auto* r = Get<TableRecord>(it->second);
         if (r != nullptr && !r->erased && EqualsNoCase(r->name, name)) {
             return it->second;
         }
@@ -200,7 +202,7 @@ Handle Database::FindRecord(const std::string& tableName, std::string_view name)
     for (Handle h : table->records) {
         const auto* r = Get<TableRecord>(h);
         if (r != nullptr && !r->erased && EqualsNoCase(r->name, name)) {
-            recordIndex_.emplace(std::move(key), h);
+            recordIndex_.emplace(key, h);
             return h;
         }
     }

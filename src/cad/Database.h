@@ -78,6 +78,10 @@ public:
             return dynamic_cast<const T*>(object);
         }
     }
+    template <class T>
+    static T* Cast(DbObject* object) {
+        return const_cast<T*>(Cast<T>(static_cast<const DbObject*>(object)));
+    }
     // Takes an object, gives it a new handle when it has none, and owns it. Returns the handle.
     Handle Add(std::unique_ptr<DbObject> object);
     Handle NewHandle();
@@ -229,6 +233,7 @@ private:
     TagList thumbnail_;
     std::vector<std::string> repairs_;
     mutable std::unordered_map<std::string, Handle> recordIndex_;  // table + name -> record
+    mutable std::string lookupKey_;
 };
 
 }  // namespace cad

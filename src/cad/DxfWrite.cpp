@@ -5,10 +5,13 @@
 #include <sys/stat.h>
 #include <unistd.h>
 
+#include <algorithm>
 #include <cerrno>
 #include <cmath>
+#include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <vector>
 
 #include "cad/Audit.h"
 #include "cad/Encoding.h"
@@ -421,30 +424,69 @@ void Writer::Thumbnail() {
 
 namespace {
 
+// Group codes right-aligned in three columns, as most writers do, with their line end.
+constexpr int kCodes = 1072;
+struct CodeText {
+    char text[8];
+    std::size_t size;
+};
+
+const CodeText* CodeTexts() {
+    static const auto table = [] {
+        std::vector<CodeText> t(kCodes);
+        for (int code = 0; code < kCodes; ++code) {
+            std::snprintf(t[code].text, sizeof t[code].text, "%3d\n", code);
+            t[code].size = std::strlen(t[code].text);
+        }
+        return t;
+    }();
+    return table.data();
+}
+
+// Tags as text in `out`. The text is written into room made ahead (the string is kept longer
+// than what it holds until Finish), so each tag costs a few copies and no size checks of the
+// string's own.
 class TextSink : public TagSink {
 public:
-    explicit TextSink(std::string& out) : out_(out) {
-        // Group codes right-aligned in three columns, as most writers do.
-        for (int code = 0; code < kCodes; ++code) {
-            std::string c = std::to_string(code);
-            codes_[code] = std::string(c.size() < 3 ? 3 - c.size() : 0, ' ') + c + '\n';
-        }
+    // Writing starts after what `out` holds, into the room it has reserved.
+    explicit TextSink(std::string& out) : out_(out), used_(out.size()), codes_(CodeTexts()) {
+        out_.resize(out_.capacity());
     }
+    ~TextSink() override { Finish(); }
+
     void Put(int code, std::string_view value) override {
+        CodeText other{};
+        const CodeText* c = &other;
         if (code >= 0 && code < kCodes) {
-            out_ += codes_[code];
+            c = &codes_[code];
         } else {
-            out_ += std::to_string(code);
-            out_ += '\n';
+            std::snprintf(other.text, sizeof other.text, "%d\n", code);
+            other.size = std::strlen(other.text);
         }
-        out_ += value;
-        out_ += '\n';
+        char* p = Room(c->size + value.size() + 1);
+        std::memcpy(p, c->text, c->size);
+        p += c->size;
+        std::memcpy(p, value.data(), value.size());
+        p[value.size()] = '\n';
+        used_ += c->size + value.size() + 1;
     }
 
+    const char* Data() const { return out_.data(); }
+    std::size_t Size() const { return used_; }
+    void Clear() { used_ = 0; }
+    void Finish() { out_.resize(used_); }
+
 private:
-    static constexpr int kCodes = 1072;
+    char* Room(std::size_t need) {
+        if (used_ + need > out_.size()) {
+            out_.resize(std::max(out_.size() * 2, used_ + need + 4096));
+        }
+        return out_.data() + used_;
+    }
+
     std::string& out_;
-    std::string codes_[kCodes];
+    std::size_t used_;
+    const CodeText* codes_;
 };
 
 }  // namespace
@@ -460,8 +502,10 @@ void WriteDxf(const Database& db, DxfVersion version, TagSink& sink) {
 std::string WriteDxfString(const Database& db, DxfVersion version) {
     std::string out;
     out.reserve(db.ObjectCount() * 160 + 4096);
-    TextSink sink(out);
-    WriteDxf(db, version, sink);
+    {
+        TextSink sink(out);
+        WriteDxf(db, version, sink);
+    }
     return out;
 }
 
@@ -470,17 +514,17 @@ namespace {
 // Streams the tags into a temporary file beside the target; the caller renames it.
 class FileSink : public TagSink {
 public:
-    explicit FileSink(int fd) : fd_(fd) { buffer_.reserve(kChunk + 4096); }
+    explicit FileSink(int fd) : fd_(fd) {}
     void Put(int code, std::string_view value) override {
         text_.Put(code, value);
-        if (buffer_.size() >= kChunk) {
+        if (text_.Size() >= kChunk) {
             Flush();
         }
     }
     void Flush() {
         std::size_t done = 0;
-        while (ok_ && done < buffer_.size()) {
-            const ssize_t n = ::write(fd_, buffer_.data() + done, buffer_.size() - done);
+        while (ok_ && done < text_.Size()) {
+            const ssize_t n = ::write(fd_, text_.Data() + done, text_.Size() - done);
             if (n < 0 && errno == EINTR) {
                 continue;
             }
@@ -488,7 +532,7 @@ public:
             error_ = ok_ ? 0 : errno;
             done += ok_ ? static_cast<std::size_t>(n) : 0;
         }
-        buffer_.clear();
+        text_.Clear();
     }
     bool Ok() const { return ok_; }
     int Error() const { return error_; }

@@ -91,6 +91,50 @@ std::string XRecord::Value(int code) const {
 
 // ---- number text
 
+namespace {
+
+// Coordinates and sizes mostly have a few decimals (3.5, 12.25, 0.001). Such a value is
+// written as the integer n = v * 10^6 with the point put back and trailing zeros dropped,
+// when n / 10^6 gives back exactly v: the text then reads back as the same double, because n
+// and the power of ten are exact and both the division and the reading round correctly. Fewer
+// decimals would have worked only if six do (same quotient), so one test decides. Values
+// below 0.001 would be shorter in exponent form, and others are left to the general path.
+bool AppendShortDecimal(std::string& out, double v) {
+    constexpr double kScale = 1e6;
+    const double magnitude = std::abs(v);
+    if (magnitude < 0.001 || magnitude >= 1e9) {
+        return false;
+    }
+    const double scaled = std::nearbyint(magnitude * kScale);
+    if (scaled / kScale != magnitude) {
+        return false;
+    }
+    auto n = static_cast<long long>(scaled);
+    int decimals = 6;
+    while (decimals > 1 && n % 10 == 0) {
+        n /= 10;
+        --decimals;
+    }
+    char digits[32];
+    auto res = std::to_chars(digits, digits + sizeof digits, n);
+    const int count = static_cast<int>(res.ptr - digits);
+    if (v < 0) {
+        out += '-';
+    }
+    if (count <= decimals) {
+        out += "0.";
+        out.append(static_cast<std::size_t>(decimals - count), '0');
+        out.append(digits, static_cast<std::size_t>(count));
+    } else {
+        out.append(digits, static_cast<std::size_t>(count - decimals));
+        out += '.';
+        out.append(digits + count - decimals, static_cast<std::size_t>(decimals));
+    }
+    return true;
+}
+
+}  // namespace
+
 void AppendReal(std::string& out, double v) {
     if (!std::isfinite(v)) {
         v = 0;
@@ -106,6 +150,9 @@ void AppendReal(std::string& out, double v) {
         auto res = std::to_chars(buf, buf + sizeof buf, static_cast<int>(v));
         out.append(buf, res.ptr - buf);
         out += ".0";
+        return;
+    }
+    if (AppendShortDecimal(out, v)) {
         return;
     }
     auto res = std::to_chars(buf, buf + sizeof buf, v);

@@ -192,7 +192,7 @@ bool TransformEntity(Database& db, Handle entity, const Matrix3d& m) {
     if (e == nullptr || !TransformEntity(*e, m)) {
         return false;
     }
-    if (auto* ref = dynamic_cast<BlockReference*>(e)) {
+    if (auto* ref = Database::Cast<BlockReference>(e)) {
         for (Handle a : ref->attributes) {
             if (auto* att = db.Get<Attribute>(a)) {
                 TransformEntity(*att, m);
@@ -262,7 +262,7 @@ void ExplodeInto(Database& db, const BlockReference& ref, const Matrix3d& m, con
             e->Kind() == ObjectKind::UnknownEntity) {
             continue;
         }
-        if (const auto* nested = dynamic_cast<const BlockReference*>(e)) {
+        if (const auto* nested = Database::Cast<BlockReference>(e)) {
             Inherit inner{nested->layer == layerZero ? from.layer : nested->layer,
                           nested->color == kColorByBlock ? from.color : nested->color};
             ExplodeInto(db, *nested, m * BlockTransform(db, *nested), inner, space, out, path);
@@ -327,11 +327,11 @@ Handle CopyEntity(Database& db, Handle entity, Handle space) {
         return kNullHandle;
     }
     auto copy = PlainCopy(*e);
-    if (auto* ref = dynamic_cast<BlockReference*>(copy.get())) {
+    if (auto* ref = Database::Cast<BlockReference>(copy.get())) {
         ref->attributes.clear();
         ref->seqend = kNullHandle;
     }
-    if (auto* u = dynamic_cast<UnknownEntity*>(copy.get())) {
+    if (auto* u = Database::Cast<UnknownEntity>(copy.get())) {
         u->followers.clear();
     }
     const Handle h = db.Append(std::move(copy), space == kNullHandle ? e->owner : space);

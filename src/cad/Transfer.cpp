@@ -50,13 +50,13 @@ private:
         copy->handle = kNullHandle;
         copy->layer = Layer(e.layer);
         for (auto& g : copy->xdata) {
-            g.app = to_.RegisterApp(from_.AppName(g.app));
+            g.app = App(g.app);
         }
-        if (auto* t = dynamic_cast<Text*>(copy.get())) {
+        if (auto* t = Database::Cast<Text>(copy.get())) {
             t->style = Style(t->style);
-        } else if (auto* m = dynamic_cast<MText*>(copy.get())) {
+        } else if (auto* m = Database::Cast<MText>(copy.get())) {
             m->style = Style(m->style);
-        } else if (auto* u = dynamic_cast<UnknownEntity*>(copy.get())) {
+        } else if (auto* u = Database::Cast<UnknownEntity>(copy.get())) {
             u->followers.clear();
             for (const auto& tag : u->tags) {
                 if (tag.code == 8) {
@@ -64,7 +64,7 @@ private:
                 }
             }
         }
-        auto* ref = dynamic_cast<BlockReference*>(copy.get());
+        auto* ref = Database::Cast<BlockReference>(copy.get());
         if (ref != nullptr) {
             ref->attributes.clear();
             ref->seqend = kNullHandle;
@@ -84,7 +84,7 @@ private:
     }
 
     void CopyDependents(const Entity& e, Handle h, int depth) {
-        if (const auto* srcRef = dynamic_cast<const BlockReference*>(&e)) {
+        if (const auto* srcRef = Database::Cast<BlockReference>(&e)) {
             for (Handle a : srcRef->attributes) {
                 const auto* att = from_.Get<Attribute>(a);
                 if (att == nullptr || att->erased) {
@@ -95,13 +95,13 @@ private:
                 c->layer = Layer(att->layer);
                 c->style = Style(att->style);
                 for (auto& g : c->xdata) {
-                    g.app = to_.RegisterApp(from_.AppName(g.app));
+                    g.app = App(g.app);
                 }
                 const Handle ch = to_.AddAttribute(h, std::move(c));
                 handleMap_[a] = ch;
                 copies_.push_back(ch);
             }
-        } else if (const auto* srcUnknown = dynamic_cast<const UnknownEntity*>(&e)) {
+        } else if (const auto* srcUnknown = Database::Cast<UnknownEntity>(&e)) {
             for (Handle f : srcUnknown->followers) {
                 const auto* fe = from_.Get<Entity>(f);
                 if (fe != nullptr && !fe->erased) {
@@ -112,7 +112,32 @@ private:
         }
     }
 
+    // Records are matched by name once per source record: a drawing's entities share a few.
+    Handle App(Handle sourceApp) {
+        auto [it, fresh] = apps_.try_emplace(sourceApp, kNullHandle);
+        if (fresh) {
+            it->second = to_.RegisterApp(from_.AppName(sourceApp));
+        }
+        return it->second;
+    }
+
     Handle Layer(Handle sourceLayer) {
+        auto [it, fresh] = layers_.try_emplace(sourceLayer, kNullHandle);
+        if (fresh) {
+            it->second = MatchLayer(sourceLayer);
+        }
+        return it->second;
+    }
+
+    Handle Style(Handle sourceStyle) {
+        auto [it, fresh] = styles_.try_emplace(sourceStyle, kNullHandle);
+        if (fresh) {
+            it->second = MatchStyle(sourceStyle);
+        }
+        return it->second;
+    }
+
+    Handle MatchLayer(Handle sourceLayer) {
         const LayerRecord* l = from_.Layer(sourceLayer);
         if (l == nullptr) {
             return to_.FindLayer("0");
@@ -125,7 +150,7 @@ private:
         return h;
     }
 
-    Handle Style(Handle sourceStyle) {
+    Handle MatchStyle(Handle sourceStyle) {
         const TextStyleRecord* s = from_.TextStyle(sourceStyle);
         if (s == nullptr) {
             return to_.CurrentTextStyle();
@@ -159,6 +184,7 @@ private:
     Database& to_;
     const Database& from_;
     std::unordered_map<Handle, Handle> handleMap_;
+    std::unordered_map<Handle, Handle> apps_, layers_, styles_;
     std::vector<Handle> copies_;
 };
 

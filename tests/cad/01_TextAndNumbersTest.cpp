@@ -1,7 +1,10 @@
 #include <gtest/gtest.h>
 
+#include <bit>
 #include <clocale>
 #include <cmath>
+#include <cstdint>
+#include <random>
 
 #include "cad/Encoding.h"
 #include "cad/NumberText.h"
@@ -24,6 +27,34 @@ TEST(TextAndNumbers, RealsAreShortestCLocaleTextThatReadsBack) {
     std::setlocale(LC_NUMERIC, saved.c_str());
     EXPECT_EQ(FormatReal(10), "10.0");
     EXPECT_EQ(FormatReal(std::nan("")), "0.0");  // never "nan" in a file
+}
+
+// Values with few decimals take a short path; every written value must read back as the
+// same double, and a short decimal must be written as that decimal.
+TEST(TextAndNumbers, RealsReadBackExactlyOnEveryPath) {
+    std::mt19937_64 random(7);
+    std::uniform_int_distribution<long long> whole(-2000000000LL, 2000000000LL);
+    std::uniform_int_distribution<int> decimals(0, 8);
+    std::uniform_int_distribution<std::uint64_t> bits;
+    for (int i = 0; i < 200000; ++i) {
+        const int k = decimals(random);
+        const double v = i % 4 == 3 ? std::bit_cast<double>(bits(random))
+                                    : static_cast<double>(whole(random)) / std::pow(10.0, k);
+        if (!std::isfinite(v)) {
+            continue;
+        }
+        const std::string text = FormatReal(v);
+        double back = 0;
+        ASSERT_TRUE(ParseReal(text, back)) << text;
+        ASSERT_EQ(back, v) << text;
+    }
+    EXPECT_EQ(FormatReal(3.5), "3.5");
+    EXPECT_EQ(FormatReal(-0.25), "-0.25");
+    EXPECT_EQ(FormatReal(0.001), "0.001");
+    EXPECT_EQ(FormatReal(-0.0105), "-0.0105");
+    EXPECT_EQ(FormatReal(12345.678), "12345.678");
+    EXPECT_EQ(FormatReal(0.1 + 0.2), "0.30000000000000004");
+    EXPECT_EQ(FormatReal(1.5707963), "1.5707963");
 }
 
 TEST(TextAndNumbers, ParsingRejectsWhatIsNotANumber) {
