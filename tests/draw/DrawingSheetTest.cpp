@@ -3,6 +3,9 @@
 #include <gtest/gtest.h>
 
 #include <filesystem>
+#include <fstream>
+#include <map>
+#include <utility>
 
 #include "DrawingTestSupport.h"
 #include "cad/Dxf.h"
@@ -100,6 +103,49 @@ TEST(DrawingPlacement, DragShowsTheModuleFullSizeUnderTheCursor) {
     }
     EXPECT_EQ(live, 1) << "only the kept reference stays";
     EXPECT_NE(env.drawing.FindBlock("Temp_PlcDraw_Block"), cad::kNullHandle);
+}
+
+// What the placement block holds, kind by kind, against what the preview file holds.
+template <class EntityPointers>
+std::map<cad::ObjectKind, int> KindCounts(const EntityPointers& entities) {
+    std::map<cad::ObjectKind, int> counts;
+    for (const auto* e : entities) {
+        ++counts[e->Kind()];
+    }
+    return counts;
+}
+
+TEST(DrawingPlacement, PlacesWhatThePreviewFileHoldsEvenWhenChangedSinceWriting) {
+    DrawingEnvironment env;
+    auto dlg = env.MakeDialog(3, 0, Rows(3, 2));
+    const std::string path = env.PreviewPath().string();
+    cad::Point3d out;
+    const auto placedBlock = [&] {
+        const cad::Handle block = env.drawing.FindBlock("Temp_PlcDraw_Block");
+        return KindCounts(std::as_const(env.drawing).Entities(block));
+    };
+
+    ASSERT_EQ(WriteModulePreview(*dlg, 0), 1);
+    env.host.pointAnswers = {At(0, 0)};
+    ASSERT_EQ(DragPlaceModule(*dlg, out, 0), 1);
+    EXPECT_EQ(placedBlock(), KindCounts(cad::ReadDxfFile(path)->Entities()));
+
+    // Another drawing put in its place after writing: that drawing is placed.
+    cad::Database other;
+    auto circle = std::make_unique<cad::Circle>();
+    circle->radius = 7;
+    other.Append(std::move(circle));
+    cad::WriteDxfFile(other, path, cad::DxfVersion::R2010);
+    env.host.pointAnswers = {At(0, 0)};
+    ASSERT_EQ(DragPlaceModule(*dlg, out, 0), 1);
+    EXPECT_EQ(placedBlock(), (std::map<cad::ObjectKind, int>{{cad::ObjectKind::Circle, 1}}));
+
+    // Written again and then spoilt: reported, nothing placed.
+    ASSERT_EQ(WriteModulePreview(*dlg, 0), 1);
+    std::ofstream(path, std::ios::binary | std::ios::trunc) << "  0\nSECTION\n  2\nENTI";
+    env.host.pointAnswers = {At(0, 0)};
+    EXPECT_EQ(DragPlaceModule(*dlg, out, 0), 0);
+    EXPECT_NE(env.host.AllPrinted().find("文件<" + path + ">打开失败！"), std::string::npos);
 }
 
 TEST(DrawingFullSheet, DrawsAtThePickedPointWithDetailLinksAndPartRecord) {
