@@ -183,10 +183,11 @@ Handle Database::FindRecord(const std::string& tableName, std::string_view name)
     // answer is used while it still holds (records can be renamed or erased meanwhile).
     // The key is built in a kept buffer: most look-ups find their answer and allocate nothing.
     std::string& key = lookupKey_;
-    key.assign(tableName);
-    key += '\0';
+    key.resize(tableName.size() + 1 + name.size());
+    char* p = std::copy(tableName.begin(), tableName.end(), key.data());
+    *p++ = '\0';
     for (char c : name) {
-        key += static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
+        *p++ = static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
     }
     if (auto it = recordIndex_.find(key); it != recordIndex_.end()) {
         const auto* r = Get<TableRecord>(it->second);

@@ -7,6 +7,7 @@
 
 #include <algorithm>
 #include <cerrno>
+#include <charconv>
 #include <cmath>
 #include <cstdio>
 #include <cstring>
@@ -57,19 +58,20 @@ Writer::Writer(const Database& db, DxfVersion version, TagSink& sink)
 
 namespace {
 
-bool HasControl(std::string_view s) {
+// Printable ASCII (and tabs) go to the file as they are, whatever its code page.
+bool IsPlain(std::string_view s) {
     for (unsigned char c : s) {
-        if (c < 0x20 && c != '\t') {
-            return true;
+        if ((c < 0x20 && c != '\t') || c >= 0x80) {
+            return false;
         }
     }
-    return false;
+    return true;
 }
 
 }  // namespace
 
 void Writer::Str(int code, std::string_view value) {
-    if (IsAscii(value) && !HasControl(value)) {
+    if (IsPlain(value)) {
         sink_.Put(code, value);
         return;
     }
@@ -87,19 +89,18 @@ void Writer::Raw(int code, std::string_view value) {
 }
 
 void Writer::Real(int code, double v) {
-    scratch_.clear();
-    AppendReal(scratch_, v);
-    sink_.Put(code, scratch_);
+    char text[kRealTextMax];
+    sink_.Put(code, std::string_view(text, WriteReal(text, v) - text));
 }
 
 void Writer::Int(int code, long long v) {
-    sink_.Put(code, std::to_string(v));
+    char text[24];
+    sink_.Put(code, std::string_view(text, std::to_chars(text, text + sizeof text, v).ptr - text));
 }
 
 void Writer::Hex(int code, Handle h) {
-    scratch_.clear();
-    AppendHandle(scratch_, h);
-    sink_.Put(code, scratch_);
+    char text[kHandleTextMax];
+    sink_.Put(code, std::string_view(text, WriteHandle(text, h) - text));
 }
 
 void Writer::Point(int code, const Point3d& p) {
@@ -118,7 +119,7 @@ void Writer::Tags(const TagList& tags) {
     }
 }
 
-void Writer::Extra(const DbObject& o, const std::string& marker) {
+void Writer::Extra(const DbObject& o, std::string_view marker) {
     if (o.extra) {
         if (const TagList* tags = o.extra->Find(marker)) {
             Tags(*tags);
@@ -140,8 +141,15 @@ const std::string& Writer::NameOf(Handle record) const {
 }
 
 // R14 holds at most 31 letters, digits and "$-_" in an application name.
-std::string Writer::AppName(Handle app) const {
-    std::string name = NameOf(app);  // a copy: R14 changes it
+const std::string& Writer::AppName(Handle app) {
+    auto [it, fresh] = appNames_.try_emplace(app);
+    if (fresh) {
+        it->second = FileAppName(NameOf(app));
+    }
+    return it->second;
+}
+
+std::string Writer::FileAppName(std::string name) const {
     if (version_ != DxfVersion::R14) {
         return name;
     }

@@ -2,6 +2,7 @@
 #pragma once
 
 #include <string>
+#include <unordered_map>
 
 #include "cad/Database.h"
 #include "cad/Dxf.h"
@@ -23,7 +24,7 @@ private:
     void Hex(int code, Handle h);
     void Point(int code, const Point3d& p);
     void Tags(const TagList& tags);
-    void Extra(const DbObject& o, const std::string& marker);
+    void Extra(const DbObject& o, std::string_view marker);
     void Head(const DbObject& o, const std::string& type, Handle owner, int handleCode = 5);
 
     // sections
@@ -52,14 +53,15 @@ private:
     void XData(const cad::Entity& e);
 
     const std::string& NameOf(Handle record) const;
-    std::string AppName(Handle app) const;
+    const std::string& AppName(Handle app);  // as the file's version spells it
+    std::string FileAppName(std::string name) const;
     bool R2000Plus() const { return version_ != DxfVersion::R14; }
 
     const Database& db_;
     DxfVersion version_;
     TagSink& sink_;
     std::string charset_;
-    std::string scratch_;
+    std::unordered_map<Handle, std::string> appNames_;
 };
 
 }  // namespace cad::dxfwrite

@@ -13,6 +13,11 @@ std::string FormatReal(double v);
 void AppendReal(std::string& out, double v);
 std::string FormatHandle(Handle h);  // upper-case hex, no leading zeros; "0" for none
 void AppendHandle(std::string& out, Handle h);
+// The same texts written into a buffer of at least the given size; they return the end.
+inline constexpr int kRealTextMax = 32;
+inline constexpr int kHandleTextMax = 20;
+char* WriteReal(char* out, double v);
+char* WriteHandle(char* out, Handle h);
 
 // Leading and trailing blanks are allowed; anything else makes them return false.
 bool ParseReal(std::string_view text, double& out);

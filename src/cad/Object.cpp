@@ -4,6 +4,7 @@
 #include "cad/NumberText.h"
 #include "cad/Records.h"
 
+#include <algorithm>
 #include <charconv>
 #include <cmath>
 #include <cstring>
@@ -99,68 +100,65 @@ namespace {
 // and the power of ten are exact and both the division and the reading round correctly. Fewer
 // decimals would have worked only if six do (same quotient), so one test decides. Values
 // below 0.001 would be shorter in exponent form, and others are left to the general path.
-bool AppendShortDecimal(std::string& out, double v) {
+char* WriteShortDecimal(char* out, double v) {
     constexpr double kScale = 1e6;
     const double magnitude = std::abs(v);
     if (magnitude < 0.001 || magnitude >= 1e9) {
-        return false;
+        return nullptr;
     }
-    const double scaled = std::nearbyint(magnitude * kScale);
-    if (scaled / kScale != magnitude) {
-        return false;
+    // Rounded by adding a half and truncating, which compiles to two instructions; should
+    // that ever miss the nearest integer, the test below sends the value the general way.
+    auto n = static_cast<long long>(magnitude * kScale + 0.5);
+    if (static_cast<double>(n) / kScale != magnitude) {
+        return nullptr;
     }
-    auto n = static_cast<long long>(scaled);
     int decimals = 6;
     while (decimals > 1 && n % 10 == 0) {
         n /= 10;
         --decimals;
     }
-    char digits[32];
-    auto res = std::to_chars(digits, digits + sizeof digits, n);
-    const int count = static_cast<int>(res.ptr - digits);
+    char digits[24];
+    const int count =
+        static_cast<int>(std::to_chars(digits, digits + sizeof digits, n).ptr - digits);
     if (v < 0) {
-        out += '-';
+        *out++ = '-';
     }
     if (count <= decimals) {
-        out += "0.";
-        out.append(static_cast<std::size_t>(decimals - count), '0');
-        out.append(digits, static_cast<std::size_t>(count));
-    } else {
-        out.append(digits, static_cast<std::size_t>(count - decimals));
-        out += '.';
-        out.append(digits + count - decimals, static_cast<std::size_t>(decimals));
+        *out++ = '0';
+        *out++ = '.';
+        out = std::fill_n(out, decimals - count, '0');
+        return std::copy_n(digits, count, out);
     }
-    return true;
+    out = std::copy_n(digits, count - decimals, out);
+    *out++ = '.';
+    return std::copy_n(digits + count - decimals, decimals, out);
 }
 
 }  // namespace
 
-void AppendReal(std::string& out, double v) {
-    if (!std::isfinite(v)) {
-        v = 0;
+char* WriteReal(char* out, double v) {
+    if (!std::isfinite(v) || v == 0) {
+        return std::copy_n("0.0", 3, out);
     }
-    if (v == 0) {
-        out += "0.0";
-        return;
-    }
-    char buf[32];
     // Whole numbers below 10000 are the same text in the shortest form and as integers;
     // drawings are full of them, and integer formatting costs a fraction.
     if (std::abs(v) < 10000 && v == static_cast<double>(static_cast<int>(v))) {
-        auto res = std::to_chars(buf, buf + sizeof buf, static_cast<int>(v));
-        out.append(buf, res.ptr - buf);
-        out += ".0";
-        return;
+        out = std::to_chars(out, out + kRealTextMax, static_cast<int>(v)).ptr;
+        return std::copy_n(".0", 2, out);
     }
-    if (AppendShortDecimal(out, v)) {
-        return;
+    if (char* end = WriteShortDecimal(out, v)) {
+        return end;
     }
-    auto res = std::to_chars(buf, buf + sizeof buf, v);
-    const std::string_view s(buf, res.ptr - buf);
-    out += s;
-    if (s.find_first_of(".eEn") == std::string_view::npos) {
-        out += ".0";
+    char* end = std::to_chars(out, out + kRealTextMax - 2, v).ptr;
+    if (std::string_view(out, end - out).find_first_of(".eEn") == std::string_view::npos) {
+        end = std::copy_n(".0", 2, end);
     }
+    return end;
+}
+
+void AppendReal(std::string& out, double v) {
+    char buf[kRealTextMax];
+    out.append(buf, WriteReal(buf, v));
 }
 
 std::string FormatReal(double v) {
@@ -169,12 +167,17 @@ std::string FormatReal(double v) {
     return s;
 }
 
-void AppendHandle(std::string& out, Handle h) {
-    char buf[20];
-    auto res = std::to_chars(buf, buf + sizeof buf, h, 16);
-    for (char* p = buf; p != res.ptr; ++p) {
-        out += static_cast<char>(*p >= 'a' && *p <= 'f' ? *p - 32 : *p);
+char* WriteHandle(char* out, Handle h) {
+    char* end = std::to_chars(out, out + kHandleTextMax, h, 16).ptr;
+    for (char* p = out; p != end; ++p) {
+        *p = static_cast<char>(*p >= 'a' && *p <= 'f' ? *p - 32 : *p);
     }
+    return end;
+}
+
+void AppendHandle(std::string& out, Handle h) {
+    char buf[kHandleTextMax];
+    out.append(buf, WriteHandle(buf, h));
 }
 
 std::string FormatHandle(Handle h) {

@@ -2,7 +2,7 @@
 
 namespace cad {
 
-const TagList* ExtraTags::Find(const std::string& marker) const {
+const TagList* ExtraTags::Find(std::string_view marker) const {
     for (const auto& s : segments) {
         if (s.marker == marker) {
             return &s.tags;

@@ -27,7 +27,7 @@ struct ExtraTags {
     };
     std::vector<Segment> segments;
 
-    const TagList* Find(const std::string& marker) const;
+    const TagList* Find(std::string_view marker) const;
     TagList& Get(const std::string& marker);  // adds an empty segment when missing
     bool Empty() const;
 };

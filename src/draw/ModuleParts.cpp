@@ -94,6 +94,18 @@ Measured MeasureReference(const cad::Database& db, cad::Handle ref, const cad::P
     return m;
 }
 
+// A terminal symbol reference of the context's block, at unit scale.
+Measured MeasureSymbol(DrawContext& ctx, const cad::BlockReference& ref) {
+    for (const auto& f : ctx.symbolFootprints) {
+        if (f.rotation == ref.rotation) {
+            return {ref.position + f.low, ref.position + f.high};
+        }
+    }
+    const Measured m = MeasureReference(ctx.db, ref.handle, ref.position);
+    ctx.symbolFootprints.push_back({ref.rotation, m.min - ref.position, m.max - ref.position});
+    return m;
+}
+
 // How far a cell's symbol must move out so that its inner end stands on the cell's outer
 // edge: for a symbol that lies wholly inside the edge after insertion this is its measured
 // height (width on the vertical sides); a symbol whose base point sits elsewhere is brought
@@ -340,6 +352,7 @@ bool LoadSymbolBlock(DrawContext& ctx) {
         return false;
     }
     ctx.symbolBlock = cad::InsertAsBlock(ctx.db, *symbol, ctx.dlg.termSymbolName);
+    ctx.symbolFootprints.clear();
     return ctx.symbolBlock != cad::kNullHandle;
 }
 
@@ -357,7 +370,7 @@ void DrawTerminal(DrawContext& ctx, int row, Side side, TermStyle style, const c
         ctx.db.InsertBlock(ctx.symbolBlock, ctx.At(insertAt.x, insertAt.y), {1, 1, 1},
                            SymbolRotation(dlg.termDirection, side));
     const cad::Handle refHandle = ref->handle;
-    const Measured measured = MeasureReference(ctx.db, refHandle, ref->position);
+    const Measured measured = MeasureSymbol(ctx, *ref);
     const cad::Vector3d size = measured.Size();
     dlg.termLength = static_cast<float>(std::max(size.x, size.y));
     if (style == TermStyle::Cell) {

@@ -66,6 +66,13 @@ struct DrawContext {
     cad::Handle label = cad::kNullHandle;  // device-label MText
     cad::Handle data = cad::kNullHandle;   // data MText
     cad::Handle symbolBlock = cad::kNullHandle;
+    // The symbol's extents around its insertion point, per rotation: every terminal of a
+    // side inserts the same block the same way, so each way is measured once.
+    struct SymbolFootprint {
+        double rotation;
+        cad::Vector3d low, high;
+    };
+    std::vector<SymbolFootprint> symbolFootprints;
     bool descBackLink = false;  // the divided drawing links the description to its symbol
 
     DrawContext(CDlgPlcRendal& d, cad::Database& target) : dlg(d), db(target) {}
