@@ -207,7 +207,7 @@ int main(int argc, char** argv) {
     // The machine is shared, so the median of the runs stands for one module. The drawing is
     // written the way ezdxf writes its file (whole, not synced to disk); the durable save the
     // program makes of a user's drawing (temporary file, sync, rename) is timed apart.
-    const int single = 31;
+    const int single = 301;
     std::vector<double> runs, durable;
     for (int i = 0; i < single; ++i) {
         cad::Database working;

@@ -168,7 +168,7 @@ bool Database::Erase(Handle h) {
 
 // ---- tables
 
-Handle Database::Table(const std::string& tableName) const {
+Handle Database::Table(std::string_view tableName) const {
     for (Handle h : tables_) {
         const auto* t = Get<SymbolTable>(h);
         if (t != nullptr && EqualsNoCase(t->name, tableName)) {
@@ -178,7 +178,7 @@ Handle Database::Table(const std::string& tableName) const {
     return kNullHandle;
 }
 
-Handle Database::FindRecord(const std::string& tableName, std::string_view name) const {
+Handle Database::FindRecord(std::string_view tableName, std::string_view name) const {
     // Names are looked up for every extended-data item and entity appended: a remembered
     // answer is used while it still holds (records can be renamed or erased meanwhile).
     // The key is built in a kept buffer: most look-ups find their answer and allocate nothing.
@@ -266,12 +266,12 @@ void Database::SetCurrentTextStyle(Handle style) {
     }
 }
 
-Handle Database::RegisterApp(const std::string& name) {
+Handle Database::RegisterApp(std::string_view name) {
     if (Handle h = FindApp(name); h != kNullHandle) {
         return h;
     }
     auto app = std::make_unique<AppIdRecord>();
-    app->name = name;
+    app->name = std::string(name);
     return AddRecord(*this, "APPID", std::move(app));
 }
 

@@ -115,8 +115,8 @@ public:
     bool Erase(Handle h);
 
     // ---- tables
-    Handle Table(const std::string& tableName) const;  // the table head, e.g. "LAYER"
-    Handle FindRecord(const std::string& tableName, std::string_view name) const;  // any case
+    Handle Table(std::string_view tableName) const;  // the table head, e.g. "LAYER"
+    Handle FindRecord(std::string_view tableName, std::string_view name) const;  // any case
 
     Handle FindLayer(std::string_view name) const { return FindTyped<LayerRecord>("LAYER", name); }
     Handle AddLayer(const std::string& name, int color = 7);  // the existing one if present
@@ -141,7 +141,7 @@ public:
 
     // Application names of extended data. Registering an existing name returns its record.
     Handle FindApp(std::string_view name) const { return FindTyped<AppIdRecord>("APPID", name); }
-    Handle RegisterApp(const std::string& name);
+    Handle RegisterApp(std::string_view name);
     std::string AppName(Handle app) const;  // "" for an unknown handle
 
     // ---- blocks
@@ -172,9 +172,9 @@ public:
     const XRecord* FindXRecord(Handle dict, const std::string& key) const;
 
     // ---- extended entity data (the application is registered on first use)
-    void AppendXData(Entity& entity, const std::string& app, XDataItem item);
+    void AppendXData(Entity& entity, std::string_view app, XDataItem item);
     // Replaces the value of the first item with the same group code, or appends the item.
-    void SetXData(Entity& entity, const std::string& app, XDataItem item);
+    void SetXData(Entity& entity, std::string_view app, XDataItem item);
     // The items of one application, or null when the entity has none.
     const std::vector<XDataItem>* GetXData(const Entity& entity, std::string_view app) const;
     bool RemoveXData(Entity& entity, std::string_view app);
@@ -210,7 +210,7 @@ public:
 private:
     void CreateDefaults();
     template <class T>
-    Handle FindTyped(const std::string& tableName, std::string_view name) const {
+    Handle FindTyped(std::string_view tableName, std::string_view name) const {
         const Handle h = FindRecord(tableName, name);
         return Get<T>(h) != nullptr ? h : kNullHandle;
     }

@@ -327,7 +327,7 @@ XDataGroup* FindGroup(Entity& e, Handle app) {
 
 }  // namespace
 
-void Database::AppendXData(Entity& entity, const std::string& app, XDataItem item) {
+void Database::AppendXData(Entity& entity, std::string_view app, XDataItem item) {
     const Handle a = RegisterApp(app);
     XDataGroup* g = FindGroup(entity, a);
     if (g == nullptr) {
@@ -337,7 +337,7 @@ void Database::AppendXData(Entity& entity, const std::string& app, XDataItem ite
     g->items.push_back(std::move(item));
 }
 
-void Database::SetXData(Entity& entity, const std::string& app, XDataItem item) {
+void Database::SetXData(Entity& entity, std::string_view app, XDataItem item) {
     const Handle a = RegisterApp(app);
     if (XDataGroup* g = FindGroup(entity, a)) {
         for (auto& existing : g->items) {

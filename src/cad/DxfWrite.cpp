@@ -9,6 +9,7 @@
 #include <cerrno>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
@@ -58,10 +59,30 @@ Writer::Writer(const Database& db, DxfVersion version, TagSink& sink)
 
 namespace {
 
-// Printable ASCII (and tabs) go to the file as they are, whatever its code page.
+bool IsPlainByte(unsigned char c) {
+    return (c >= 0x20 || c == '\t') && c < 0x80;
+}
+
+// Printable ASCII (and tabs) go to the file as they are, whatever its code page. Every text
+// written is checked, eight bytes at a time: a word passes when no byte has its top bit set
+// and none is below 0x20 (a tab is looked at byte by byte).
 bool IsPlain(std::string_view s) {
-    for (unsigned char c : s) {
-        if ((c < 0x20 && c != '\t') || c >= 0x80) {
+    constexpr std::uint64_t kHigh = 0x8080808080808080ull;
+    constexpr std::uint64_t kSpaces = 0x2020202020202020ull;
+    std::size_t i = 0;
+    for (; i + 8 <= s.size(); i += 8) {
+        std::uint64_t w;
+        std::memcpy(&w, s.data() + i, 8);
+        if (((w | (w - kSpaces)) & kHigh) != 0) {
+            for (std::size_t k = i; k < i + 8; ++k) {
+                if (!IsPlainByte(static_cast<unsigned char>(s[k]))) {
+                    return false;
+                }
+            }
+        }
+    }
+    for (; i < s.size(); ++i) {
+        if (!IsPlainByte(static_cast<unsigned char>(s[i]))) {
             return false;
         }
     }
@@ -127,7 +148,7 @@ void Writer::Extra(const DbObject& o, std::string_view marker) {
     }
 }
 
-void Writer::Head(const DbObject& o, const std::string& type, Handle owner, int handleCode) {
+void Writer::Head(const DbObject& o, std::string_view type, Handle owner, int handleCode) {
     Str(0, type);
     Hex(handleCode, o.handle);
     Extra(o, "");
@@ -457,26 +478,24 @@ const CodeText* CodeTexts() {
 class TextSink : public TagSink {
 public:
     // Writing starts after what `out` holds, into the room it has reserved.
-    explicit TextSink(std::string& out) : out_(out), used_(out.size()), codes_(CodeTexts()) {
-        out_.resize(out_.capacity());
-    }
+    explicit TextSink(std::string& out) : out_(out), used_(out.size()), codes_(CodeTexts()) {}
     ~TextSink() override { Finish(); }
 
     void Put(int code, std::string_view value) override {
-        CodeText other{};
-        const CodeText* c = &other;
-        if (code >= 0 && code < kCodes) {
-            c = &codes_[code];
-        } else {
-            std::snprintf(other.text, sizeof other.text, "%d\n", code);
-            other.size = std::strlen(other.text);
+        if (code < 0 || code >= kCodes) {
+            char text[16];
+            const int size = std::snprintf(text, sizeof text, "%d\n", code);
+            Append(std::string_view(text, static_cast<std::size_t>(size)), value);
+            return;
         }
-        char* p = Room(c->size + value.size() + 1);
-        std::memcpy(p, c->text, c->size);
-        p += c->size;
+        const CodeText& c = codes_[code];
+        // The code's text is copied whole (one move) and the end set back over the padding.
+        char* p = Room(sizeof c.text + value.size() + 1);
+        std::memcpy(p, c.text, sizeof c.text);
+        p += c.size;
         std::memcpy(p, value.data(), value.size());
         p[value.size()] = '\n';
-        used_ += c->size + value.size() + 1;
+        used_ += c.size + value.size() + 1;
     }
 
     const char* Data() const { return out_.data(); }
@@ -485,13 +504,24 @@ public:
     void Finish() { out_.resize(used_); }
 
 private:
+    void Append(std::string_view code, std::string_view value) {
+        char* p = Room(code.size() + value.size() + 1);
+        std::memcpy(p, code.data(), code.size());
+        std::memcpy(p + code.size(), value.data(), value.size());
+        p[code.size() + value.size()] = '\n';
+        used_ += code.size() + value.size() + 1;
+    }
+
     char* Room(std::size_t need) {
         if (used_ + need > out_.size()) {
-            out_.resize(std::max(out_.size() * 2, used_ + need + 4096));
+            // Room is made a step at a time, so little more than what is written gets cleared
+            // first; the string's reserve, or its doubling, keeps the text in place.
+            out_.resize(used_ + need + kStep);
         }
         return out_.data() + used_;
     }
 
+    static constexpr std::size_t kStep = 16384;
     std::string& out_;
     std::size_t used_;
     const CodeText* codes_;

@@ -25,7 +25,7 @@ private:
     void Point(int code, const Point3d& p);
     void Tags(const TagList& tags);
     void Extra(const DbObject& o, std::string_view marker);
-    void Head(const DbObject& o, const std::string& type, Handle owner, int handleCode = 5);
+    void Head(const DbObject& o, std::string_view type, Handle owner, int handleCode = 5);
 
     // sections
     void Header();

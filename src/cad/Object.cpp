@@ -5,9 +5,12 @@
 #include "cad/Records.h"
 
 #include <algorithm>
+#include <bit>
 #include <charconv>
 #include <cmath>
+#include <cstdint>
 #include <cstring>
+#include <memory>
 
 namespace cad {
 
@@ -40,6 +43,9 @@ bool BlockRecord::IsPaperSpace() const {
 bool EqualsNoCase(std::string_view a, std::string_view b) {
     if (a.size() != b.size()) {
         return false;
+    }
+    if (a == b) {
+        return true;  // names are mostly spelt the same way each time
     }
     for (std::size_t i = 0; i < a.size(); ++i) {
         char x = a[i], y = b[i];
@@ -134,6 +140,40 @@ char* WriteShortDecimal(char* out, double v) {
     return std::copy_n(digits + count - decimals, decimals, out);
 }
 
+// Values that need all their digits are mostly computed ones (rotated geometry, measured
+// positions), and a drawing repeats them: one rotation on every terminal, a preview's
+// geometry in the preview file and again in the drawing it is placed in. The texts last made
+// for such values are kept, one per slot of a small table (zero bits never come here).
+struct RecentReal {
+    std::uint64_t bits = 0;
+    std::uint8_t size = 0;
+    char text[kRealTextMax - 9] = {};
+};
+constexpr int kRecentBits = 12;
+
+char* WriteGeneralReal(char* out, double v) {
+    thread_local std::unique_ptr<RecentReal[]> recent;
+    if (!recent) {
+        recent = std::make_unique<RecentReal[]>(std::size_t{1} << kRecentBits);
+    }
+    const auto bits = std::bit_cast<std::uint64_t>(v);
+    RecentReal& slot = recent[(bits * 0x9E3779B97F4A7C15ull) >> (64 - kRecentBits)];
+    if (slot.bits == bits) {
+        return std::copy_n(slot.text, slot.size, out);
+    }
+    char* end = std::to_chars(out, out + kRealTextMax - 2, v).ptr;
+    if (std::string_view(out, end - out).find_first_of(".eEn") == std::string_view::npos) {
+        end = std::copy_n(".0", 2, end);
+    }
+    const auto size = static_cast<std::size_t>(end - out);
+    if (size <= sizeof slot.text) {
+        slot.bits = bits;
+        slot.size = static_cast<std::uint8_t>(size);
+        std::copy_n(out, size, slot.text);
+    }
+    return end;
+}
+
 }  // namespace
 
 char* WriteReal(char* out, double v) {
@@ -149,11 +189,7 @@ char* WriteReal(char* out, double v) {
     if (char* end = WriteShortDecimal(out, v)) {
         return end;
     }
-    char* end = std::to_chars(out, out + kRealTextMax - 2, v).ptr;
-    if (std::string_view(out, end - out).find_first_of(".eEn") == std::string_view::npos) {
-        end = std::copy_n(".0", 2, end);
-    }
-    return end;
+    return WriteGeneralReal(out, v);
 }
 
 void AppendReal(std::string& out, double v) {
@@ -221,6 +257,26 @@ bool ParseInt(std::string_view text, long long& out) {
 }
 
 bool ParseHandle(std::string_view text, Handle& out) {
+    // Links are read back for every extended-data item written and audited: plain
+    // upper-case hex, as this program writes it, is read digit by digit.
+    if (!text.empty() && text.size() <= 16) {
+        Handle value = 0;
+        bool plain = true;
+        for (char c : text) {
+            const int digit = c >= '0' && c <= '9'   ? c - '0'
+                              : c >= 'A' && c <= 'F' ? c - 'A' + 10
+                                                     : -1;
+            if (digit < 0) {
+                plain = false;
+                break;
+            }
+            value = value << 4 | static_cast<Handle>(digit);
+        }
+        if (plain) {
+            out = value;
+            return true;
+        }
+    }
     text = Trim(text);
     if (text.empty() || text.size() > 16) {
         return false;

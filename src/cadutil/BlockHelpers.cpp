@@ -16,7 +16,7 @@ cad::Entity* LiveEntity(cad::Database& db, cad::Handle h) {
 
 }  // namespace
 
-bool AppendXDataItem(cad::Database& db, cad::Handle entity, const std::string& app,
+bool AppendXDataItem(cad::Database& db, cad::Handle entity, std::string_view app,
                      const cad::XDataItem& item) {
     cad::Entity* e = LiveEntity(db, entity);
     if (!e || app.empty()) {
@@ -26,7 +26,7 @@ bool AppendXDataItem(cad::Database& db, cad::Handle entity, const std::string& a
     return true;
 }
 
-bool SetXDataItem(cad::Database& db, cad::Handle entity, const std::string& app,
+bool SetXDataItem(cad::Database& db, cad::Handle entity, std::string_view app,
                   const cad::XDataItem& item) {
     cad::Entity* e = LiveEntity(db, entity);
     if (!e || app.empty()) {

@@ -12,11 +12,11 @@ namespace cadutil {
 // Appends `item` to the extended data of `entity` under `app` (registered, and the
 // application's group created, when the entity has none yet). False when `entity` names no
 // live entity of `db`.
-bool AppendXDataItem(cad::Database& db, cad::Handle entity, const std::string& app,
+bool AppendXDataItem(cad::Database& db, cad::Handle entity, std::string_view app,
                      const cad::XDataItem& item);
 // Replaces the value of the first item of `app` with the same group code as `item`, or
 // appends `item` when there is none.
-bool SetXDataItem(cad::Database& db, cad::Handle entity, const std::string& app,
+bool SetXDataItem(cad::Database& db, cad::Handle entity, std::string_view app,
                   const cad::XDataItem& item);
 
 // The layer named `name` (any case), or the current layer when there is none.
