@@ -70,6 +70,11 @@ TEST(TextAndNumbers, ParsingRejectsWhatIsNotANumber) {
     EXPECT_TRUE(ParseHandle("1F", h));
     EXPECT_EQ(h, 0x1Fu);
     EXPECT_FALSE(ParseHandle("1G", h));
+    EXPECT_TRUE(ParseHandle(" 1f ", h));
+    EXPECT_EQ(h, 0x1Fu);
+    EXPECT_TRUE(ParseHandle("FFFFFFFFFFFFFFFF", h));
+    EXPECT_EQ(h, ~Handle{0});
+    EXPECT_FALSE(ParseHandle("-1", h));
     EXPECT_FALSE(ParseHandle("12345678901234567", h));  // longer than 64 bits
     EXPECT_EQ(FormatHandle(0xABC), "ABC");
 }

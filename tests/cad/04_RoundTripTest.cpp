@@ -2,6 +2,11 @@
 // version; tags the database does not model stay in their subclass.
 #include <gtest/gtest.h>
 
+#include <unistd.h>
+
+#include <filesystem>
+#include <fstream>
+#include <iterator>
 #include <numbers>
 
 #include "cad/Database.h"
@@ -158,6 +163,50 @@ TEST(RoundTrip, TextIsGbkBefore2007AndUtf8After) {
     EXPECT_NE(r2004.find("$DWGCODEPAGE\n  3\nANSI_936"), std::string::npos);
     const std::string r2007 = WriteDxfString(s.db, DxfVersion::R2007);
     EXPECT_NE(r2007.find("端子☃号"), std::string::npos);
+}
+
+// A control byte inside a value would break the file's line structure; it becomes a blank
+// wherever it stands in a text of any length, while tabs and other characters stay.
+TEST(RoundTrip, ControlBytesBecomeBlanksAnywhereInATextOfAnyLength) {
+    for (DxfVersion v : {DxfVersion::R2004, DxfVersion::R2010}) {
+        for (std::size_t length = 1; length <= 20; ++length) {
+            for (std::size_t at = 0; at < length; ++at) {
+                for (const char* odd : {"\n", "\r", "\x01", "\t", "端"}) {
+                    Database db;
+                    auto* t = db.AppendNew<Text>();
+                    t->text = std::string(at, 'x') + odd + std::string(length - at - 1, 'y');
+                    std::string expected = t->text;
+                    if (odd[0] != '\t' && static_cast<unsigned char>(odd[0]) < 0x20) {
+                        expected[at] = ' ';
+                    }
+                    auto back = ReadDxfString(WriteDxfString(db, v), "controls.dxf");
+                    ASSERT_EQ(back->Get<Text>(t->handle)->text, expected)
+                        << "length " << length << " at " << at;
+                }
+            }
+        }
+    }
+}
+
+// A drawing larger than the file writer's buffer is the same text on disk as in memory.
+TEST(RoundTrip, LargeDrawingWrittenToAFileEqualsItsText) {
+    Database db;
+    for (int i = 0; i < 20000; ++i) {
+        auto* t = db.AppendNew<Text>();
+        t->text = "端子 " + std::to_string(i);
+        t->position = {i * 0.1, i * 1e-7, 0};
+        db.AppendXData(*t, "QV_SYMB2_TERM_TEXT_1", XDataItem::String("1"));
+    }
+    const std::string text = WriteDxfString(db, DxfVersion::R2010);
+    ASSERT_GT(text.size(), 2u << 20);
+    const auto path = std::filesystem::temp_directory_path() /
+                      ("qv_large_" + std::to_string(::getpid()) + ".dxf");
+    WriteDxfFile(db, path.string(), DxfVersion::R2010);
+    std::ifstream in(path, std::ios::binary);
+    const std::string onDisk((std::istreambuf_iterator<char>(in)),
+                             std::istreambuf_iterator<char>());
+    std::filesystem::remove(path);
+    EXPECT_TRUE(onDisk == text);
 }
 
 TEST(RoundTrip, LongMTextIsSplitWithoutBreakingACharacter) {
