@@ -73,8 +73,11 @@ public:
 
 // Writes the tags of the whole file to `sink`. Throws DxfError when the audit finds an error.
 void WriteDxf(const Database& db, DxfVersion version, TagSink& sink);
-// The file as text.
-std::string WriteDxfString(const Database& db, DxfVersion version);
+// The file as text. With `exact`, also tells whether the text reads back with every name,
+// text and number as the drawing holds it: false when something had to change to fit the
+// file (a control character, a literal "\U+" escape, an application name R14 cannot hold,
+// a number that is not finite).
+std::string WriteDxfString(const Database& db, DxfVersion version, bool* exact = nullptr);
 // Writes the file atomically (temporary file, then rename). Throws DxfError.
 void WriteDxfFile(const Database& db, const std::string& path, DxfVersion version);
 

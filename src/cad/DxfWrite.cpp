@@ -91,17 +91,38 @@ bool IsPlain(std::string_view s) {
 
 }  // namespace
 
+// A literal "\U+" reads back as the character it names.
+void Writer::NoteEscapes(std::string_view value) {
+    for (std::size_t at = value.find('\\'); at != std::string_view::npos;
+         at = value.find('\\', at + 1)) {
+        if (at + 2 < value.size() && (value[at + 1] == 'U' || value[at + 1] == 'u') &&
+            value[at + 2] == '+') {
+            altered_ = true;
+        }
+    }
+}
+
+// A line break (or any control byte) inside a value would break the file: it becomes a blank.
+void Writer::BlankControls(std::string& encoded) {
+    for (char& c : encoded) {
+        if (static_cast<unsigned char>(c) < 0x20 && c != '\t') {
+            c = ' ';
+            altered_ = true;
+        }
+    }
+}
+
 void Writer::Str(int code, std::string_view value) {
     if (IsPlain(value)) {
+        if (std::memchr(value.data(), '\\', value.size()) != nullptr) {
+            NoteEscapes(value);
+        }
         sink_.Put(code, value);
         return;
     }
+    NoteEscapes(value);
     std::string v = EncodeText(value, charset_);
-    for (char& c : v) {
-        if (static_cast<unsigned char>(c) < 0x20 && c != '\t') {
-            c = ' ';  // a line break (or any control byte) inside a value would break the file
-        }
-    }
+    BlankControls(v);
     sink_.Put(code, v);
 }
 
@@ -110,6 +131,7 @@ void Writer::Raw(int code, std::string_view value) {
 }
 
 void Writer::Real(int code, double v) {
+    altered_ = altered_ || !std::isfinite(v);
     char text[kRealTextMax];
     sink_.Put(code, std::string_view(text, WriteReal(text, v) - text));
 }
@@ -166,6 +188,7 @@ const std::string& Writer::AppName(Handle app) {
     auto [it, fresh] = appNames_.try_emplace(app);
     if (fresh) {
         it->second = FileAppName(NameOf(app));
+        altered_ = altered_ || it->second != NameOf(app);
     }
     return it->second;
 }
@@ -527,22 +550,32 @@ private:
     const CodeText* codes_;
 };
 
+// Audited first, so a drawing that must not be written leaves no trace at all.
+void RequireAudit(const Database& db, const std::string& path) {
+    const auto issues = Audit(db);
+    if (!issues.empty()) {
+        throw DxfError(path, 0, "the drawing fails its audit: " + FormatIssues(issues));
+    }
+}
+
 }  // namespace
 
 void WriteDxf(const Database& db, DxfVersion version, TagSink& sink) {
-    const auto issues = Audit(db);
-    if (!issues.empty()) {
-        throw DxfError("", 0, "the drawing fails its audit: " + FormatIssues(issues));
-    }
+    RequireAudit(db, "");
     dxfwrite::Writer(db, version, sink).Run();
 }
 
-std::string WriteDxfString(const Database& db, DxfVersion version) {
+std::string WriteDxfString(const Database& db, DxfVersion version, bool* exact) {
+    RequireAudit(db, "");
     std::string out;
     out.reserve(db.ObjectCount() * 160 + 4096);
     {
         TextSink sink(out);
-        WriteDxf(db, version, sink);
+        dxfwrite::Writer writer(db, version, sink);
+        writer.Run();
+        if (exact != nullptr) {
+            *exact = !writer.Altered();
+        }
     }
     return out;
 }
@@ -587,11 +620,7 @@ private:
 }  // namespace
 
 void WriteDxfFile(const Database& db, const std::string& path, DxfVersion version) {
-    // Audited first, so a drawing that must not be written leaves no trace at all.
-    const auto issues = Audit(db);
-    if (!issues.empty()) {
-        throw DxfError(path, 0, "the drawing fails its audit: " + FormatIssues(issues));
-    }
+    RequireAudit(db, path);
     const std::filesystem::path target(path);
     std::error_code ec;
     if (target.has_parent_path()) {

@@ -236,12 +236,9 @@ void Writer::MTextBody(const cad::MText& t) {
     Real(41, t.referenceWidth);
     Int(71, t.attachment);
     Raw(72, "1");
+    NoteEscapes(t.contents);
     std::string encoded = EncodeText(t.contents, charset_);
-    for (char& c : encoded) {
-        if (static_cast<unsigned char>(c) < 0x20 && c != '\t') {
-            c = ' ';
-        }
-    }
+    BlankControls(encoded);
     const auto pieces = SplitMText(encoded, charset_ == "UTF-8");
     for (std::size_t i = 0; i + 1 < pieces.size(); ++i) {
         Raw(3, pieces[i]);

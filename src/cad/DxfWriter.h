@@ -14,6 +14,8 @@ public:
     Writer(const Database& db, DxfVersion version, TagSink& sink);
 
     void Run();
+    // Whether something had to change to fit the file (see WriteDxfString).
+    bool Altered() const { return altered_; }
 
 private:
     // tags
@@ -24,6 +26,8 @@ private:
     void Hex(int code, Handle h);
     void Point(int code, const Point3d& p);
     void Tags(const TagList& tags);
+    void NoteEscapes(std::string_view value);
+    void BlankControls(std::string& encoded);
     void Extra(const DbObject& o, std::string_view marker);
     void Head(const DbObject& o, std::string_view type, Handle owner, int handleCode = 5);
 
@@ -62,6 +66,7 @@ private:
     TagSink& sink_;
     std::string charset_;
     std::unordered_map<Handle, std::string> appNames_;
+    bool altered_ = false;
 };
 
 }  // namespace cad::dxfwrite

@@ -19,10 +19,9 @@ public:
 
     // Keeps `drawing` as what `bytes`, just written to `path`, hold.
     void Remember(std::string path, std::string bytes, std::unique_ptr<cad::Database> drawing);
-
-private:
     void Forget();
 
+private:
     std::string path_;
     std::string bytes_;
     std::unique_ptr<cad::Database> drawing_;

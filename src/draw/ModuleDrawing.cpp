@@ -85,12 +85,13 @@ void DrawTerminals(DrawContext& ctx, const TermLists& lists) {
 
 // The preview is scratch, read back at once and rewritten by the next drawing: it is
 // written whole (a temporary file renamed over it) in the user's save format, but not
-// synced to disk, which would cost more than drawing the module. `text` is what was written.
+// synced to disk, which would cost more than drawing the module. `text` is what was written;
+// `exact` whether it reads back as `db` holds it.
 bool WriteScratchDrawing(const cad::Database& db, const std::string& path, std::string& text,
-                         std::string& error) {
+                         bool& exact, std::string& error) {
     try {
         const auto format = host::Current().GetEnvironment("DefaultFormatForSave");
-        text = cad::WriteDxfString(db, cad::VersionForSaveFormat(format));
+        text = cad::WriteDxfString(db, cad::VersionForSaveFormat(format), &exact);
     } catch (const cad::DxfError& e) {
         error = e.what();
         return false;
@@ -170,11 +171,17 @@ int WriteModulePreview(CDlgPlcRendal& dlg, int outlineOnly) {
     cad::ExplodeAllReferences(*side);
     const std::string path = draw::PreviewPath();
     std::string text, error;
-    if (!draw::WriteScratchDrawing(*side, path, text, error)) {
+    bool exact = false;
+    if (!draw::WriteScratchDrawing(*side, path, text, exact, error)) {
         host::Print("文件<" + path + ">写入失败：" + error + "\n");
         return 0;
     }
-    draw::PreviewCache().Remember(path, std::move(text), std::move(side));
+    // A drawing that had to change to fit the file is placed as the file reads back.
+    if (exact) {
+        draw::PreviewCache().Remember(path, std::move(text), std::move(side));
+    } else {
+        draw::PreviewCache().Forget();
+    }
     return 1;
 }
 

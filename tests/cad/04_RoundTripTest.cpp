@@ -4,6 +4,7 @@
 
 #include <unistd.h>
 
+#include <cmath>
 #include <filesystem>
 #include <fstream>
 #include <iterator>
@@ -186,6 +187,41 @@ TEST(RoundTrip, ControlBytesBecomeBlanksAnywhereInATextOfAnyLength) {
             }
         }
     }
+}
+
+// The writer tells when the text will not read back as the drawing holds it.
+TEST(RoundTrip, WriterTellsWhenTheFileCannotHoldTheDrawingExactly) {
+    const auto exactly = [](const Database& db, DxfVersion v) {
+        bool exact = false;
+        WriteDxfString(db, v, &exact);
+        return exact;
+    };
+    Sample s;
+    EXPECT_TRUE(exactly(s.db, DxfVersion::R2010));
+    EXPECT_TRUE(exactly(s.db, DxfVersion::R2004));  // GBK, with escapes for the rest
+
+    Database blankApp;
+    auto* line = blankApp.AppendNew<Line>();
+    blankApp.AppendXData(*line, "QV_ GROUPPARTXRECT_TEXT", XDataItem::String("x"));
+    EXPECT_TRUE(exactly(blankApp, DxfVersion::R2000));
+    EXPECT_FALSE(exactly(blankApp, DxfVersion::R14));
+
+    for (const char* text : {"a\nb", "tab\tok but \x02", "\\U+0041", "端\\u+4E2D"}) {
+        Database db;
+        db.AppendNew<MText>()->contents = text;
+        db.AppendNew<Text>()->text = "plain";
+        EXPECT_FALSE(exactly(db, DxfVersion::R2010)) << text;
+        Database db2;
+        db2.AppendNew<Text>()->text = text;
+        EXPECT_FALSE(exactly(db2, DxfVersion::R2004)) << text;
+    }
+    Database escapesOnly;
+    escapesOnly.AppendNew<MText>()->contents = "{\\H2;A}\\P\\U";
+    EXPECT_TRUE(exactly(escapesOnly, DxfVersion::R2010));
+
+    Database nan;
+    nan.AppendNew<Circle>()->radius = std::nan("");
+    EXPECT_FALSE(exactly(nan, DxfVersion::R2010));
 }
 
 // A drawing larger than the file writer's buffer is the same text on disk as in memory.

@@ -9,6 +9,7 @@
 
 #include "DrawingTestSupport.h"
 #include "cad/Dxf.h"
+#include "cad/Operations.h"
 #include "draw/ModuleDrawing.h"
 #include "draw/SheetDrawing.h"
 
@@ -146,6 +147,34 @@ TEST(DrawingPlacement, PlacesWhatThePreviewFileHoldsEvenWhenChangedSinceWriting)
     env.host.pointAnswers = {At(0, 0)};
     EXPECT_EQ(DragPlaceModule(*dlg, out, 0), 0);
     EXPECT_NE(env.host.AllPrinted().find("文件<" + path + ">打开失败！"), std::string::npos);
+}
+
+// The drawing kept from writing the preview and the one the file reads back as are placed
+// alike, down to every tag, texts with escapes, quotes and CJK included.
+TEST(DrawingPlacement, KeptPreviewPlacesExactlyAsTheFileReadsBack) {
+    const std::pair<const char*, const char*> cases[] = {{"8", "输入 {A}\\P \"q\" 端子"},
+                                                         {"24", "输入 {A}\\P \"q\" 端子"},
+                                                         {"48", "输入 {A}\\P \"q\" 端子"},
+                                                         {"48", "断\n行 \\U+0041"},
+                                                         {"24", "断\x01行 \\u+4E2D"}};
+    for (const auto& [format, desc] : cases) {
+        DrawingEnvironment env;
+        env.host.environment["DefaultFormatForSave"] = format;
+        auto dlg = env.MakeDialog(2, 1, Rows(3, 2));
+        dlg->editModuleDesc = desc;
+        ASSERT_EQ(WriteModulePreview(*dlg, 0), 1);
+        cad::Point3d out;
+        env.host.pointAnswers = {At(0, 0)};
+        ASSERT_EQ(DragPlaceModule(*dlg, out, 0), 1);
+
+        cad::Database parsed;
+        const auto file = cad::ReadDxfFile(env.PreviewPath().string());
+        const cad::Handle block = cad::InsertAsBlock(parsed, *file, "Temp_PlcDraw_Block");
+        parsed.Erase(parsed.InsertBlock(block, {}, {0.001, 0.001, 0.001})->handle);
+        EXPECT_TRUE(cad::WriteDxfString(env.drawing, cad::DxfVersion::R2010) ==
+                    cad::WriteDxfString(parsed, cad::DxfVersion::R2010))
+            << "save format " << format << ", description " << desc;
+    }
 }
 
 TEST(DrawingFullSheet, DrawsAtThePickedPointWithDetailLinksAndPartRecord) {
