@@ -202,44 +202,61 @@ int main(int argc, char** argv) {
     host::ScopedHost scope(bench);
     CDlgPlcRendal dlg;
 
-    // One 64-terminal module end to end, repeated.
+    // One 64-terminal module end to end, repeated. The machine is shared and its load comes
+    // and goes, so the measurement is made in rounds, each timing this program (median of its
+    // runs) right before ezdxf (median of its runs); the round with the median ratio is
+    // reported. The drawing is written the way ezdxf writes its file (whole, not synced to
+    // disk); the durable save the program makes of a user's drawing (temporary file, sync,
+    // rename) is timed apart.
     FillModule(dlg, 64);
-    // The machine is shared, so the median of the runs stands for one module. The drawing is
-    // written the way ezdxf writes its file (whole, not synced to disk); the durable save the
-    // program makes of a user's drawing (temporary file, sync, rename) is timed apart.
-    const int single = 301;
-    std::vector<double> runs, durable;
-    for (int i = 0; i < single; ++i) {
-        cad::Database working;
-        bench.database = &working;
-        bench.nextX = 0;
-        auto start = Clock::now();
-        if (!DrawFullSheet(dlg, working)) {
-            std::fprintf(stderr, "bench_draw: drawing failed\n");
+    struct Round {
+        double ours, ezdxf, durable;
+    };
+    std::vector<Round> rounds;
+    for (int round = 0; round < 5; ++round) {
+        std::vector<double> runs, durable;
+        for (int i = 0; i < 61; ++i) {
+            cad::Database working;
+            bench.database = &working;
+            bench.nextX = 0;
+            auto start = Clock::now();
+            if (!DrawFullSheet(dlg, working)) {
+                std::fprintf(stderr, "bench_draw: drawing failed\n");
+                return 1;
+            }
+            {
+                const std::string text = cad::WriteDxfString(working, cad::DxfVersion::R2010);
+                std::ofstream((dir / "single.dxf").string(), std::ios::binary) << text;
+            }
+            runs.push_back(Seconds(start));
+            start = Clock::now();
+            cad::WriteDxfFile(working, (dir / "single_durable.dxf").string(),
+                              cad::DxfVersion::R2010);
+            durable.push_back(Seconds(start));
+            if (round == 0 && i == 0) {
+                Describe(working, (dir / "single.txt").string());
+            }
+        }
+        std::sort(runs.begin(), runs.end());
+        std::sort(durable.begin(), durable.end());
+        const double base =
+            EzdxfSeconds((dir / "single.txt").string(), (dir / "single_ez.dxf").string(), 3);
+        if (std::isnan(base)) {
+            std::fprintf(stderr, "bench_draw: the ezdxf baseline failed\n");
             return 1;
         }
-        {
-            const std::string text = cad::WriteDxfString(working, cad::DxfVersion::R2010);
-            std::ofstream((dir / "single.dxf").string(), std::ios::binary) << text;
-        }
-        runs.push_back(Seconds(start));
-        start = Clock::now();
-        cad::WriteDxfFile(working, (dir / "single_durable.dxf").string(), cad::DxfVersion::R2010);
-        durable.push_back(Seconds(start));
-        if (i + 1 == single) {
-            Describe(working, (dir / "single.txt").string());
-        }
+        rounds.push_back({runs[runs.size() / 2], base, durable[durable.size() / 2]});
     }
-    std::sort(runs.begin(), runs.end());
-    std::sort(durable.begin(), durable.end());
-    const double ours1 = runs[runs.size() / 2];
-    const double base1 =
-        EzdxfSeconds((dir / "single.txt").string(), (dir / "single_ez.dxf").string(), 7);
+    std::sort(rounds.begin(), rounds.end(),
+              [](const Round& a, const Round& b) { return a.ezdxf / a.ours < b.ezdxf / b.ours; });
+    const Round& mid = rounds[rounds.size() / 2];
     std::printf(
         "one 64-terminal module end to end (preview file, placement, drawing, save): %.2f ms "
-        "(%.1f modules/s); ezdxf writing the same entities: %.2f ms; ratio %.1fx; a durable "
-        "save of the drawing adds %.2f ms\n",
-        ours1 * 1e3, 1.0 / ours1, base1 * 1e3, base1 / ours1, durable[durable.size() / 2] * 1e3);
+        "(%.1f modules/s); ezdxf writing the same entities: %.2f ms; ratio %.1fx (rounds from "
+        "%.1fx to %.1fx); a durable save of the drawing adds %.2f ms\n",
+        mid.ours * 1e3, 1.0 / mid.ours, mid.ezdxf * 1e3, mid.ezdxf / mid.ours,
+        rounds.front().ezdxf / rounds.front().ours, rounds.back().ezdxf / rounds.back().ours,
+        mid.durable * 1e3);
 
     // A batch of modules drawn into one drawing at their points, then saved once.
     FillModule(dlg, 16);
@@ -267,5 +284,5 @@ int main(int argc, char** argv) {
         modules, ours2, modules / ours2, base2, base2 / ours2);
     std::error_code ec;
     std::filesystem::remove_all(dir, ec);
-    return std::isnan(base1) || std::isnan(base2) ? 1 : 0;
+    return std::isnan(base2) ? 1 : 0;
 }
