@@ -1,19 +1,13 @@
 #include "CliHost.h"
 
 #include <algorithm>
-#include <cctype>
 #include <cstdio>
 #include <sstream>
 
+#include "host/TextFile.h"
+
 namespace cli {
 namespace {
-
-std::string Upper(std::string_view text) {
-    std::string upper(text);
-    std::transform(upper.begin(), upper.end(), upper.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    return upper;
-}
 
 const char* IconWord(host::MsgIcon icon) {
     switch (icon) {
@@ -72,8 +66,9 @@ int CliHost::RunPendingCommands() {
         pending_.pop_front();
         std::string line;
         while (std::getline(lines, line)) {
-            const auto it = std::find_if(commands_.begin(), commands_.end(),
-                                         [&](const Command& c) { return c.name == Upper(line); });
+            const auto it = std::find_if(commands_.begin(), commands_.end(), [&](const Command& c) {
+                return c.name == textfile::UpperAscii(line);
+            });
             if (it != commands_.end()) {
                 it->handler();
                 ++ran;
@@ -96,13 +91,13 @@ host::InputStatus CliHost::GetPoint(std::string_view prompt, const cad::Point3d*
     return host::InputStatus::Normal;
 }
 
-host::InputStatus CliHost::Drag(cad::Handle, std::string_view prompt,
-                                const host::DragTransform&, cad::Point3d& picked) {
+host::InputStatus CliHost::Drag(cad::Handle, std::string_view prompt, const host::DragTransform&,
+                                cad::Point3d& picked) {
     return GetPoint(prompt, nullptr, picked);
 }
 
 std::string CliHost::GetVariable(std::string_view name) {
-    const auto it = variables.find(Upper(name));
+    const auto it = variables.find(textfile::UpperAscii(name));
     return it == variables.end() ? std::string() : it->second;
 }
 
@@ -115,9 +110,9 @@ void CliHost::SetEnvironment(std::string_view name, std::string_view value) {
     environment[std::string(name)] = std::string(value);
 }
 
-bool CliHost::AddCommand(std::string_view group, std::string_view globalName, std::string_view,
-                         int, host::CommandHandler handler) {
-    commands_.push_back({std::string(group), Upper(globalName), std::move(handler)});
+bool CliHost::AddCommand(std::string_view group, std::string_view globalName, std::string_view, int,
+                         host::CommandHandler handler) {
+    commands_.push_back({std::string(group), textfile::UpperAscii(globalName), std::move(handler)});
     return true;
 }
 

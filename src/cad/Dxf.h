@@ -72,7 +72,8 @@ public:
 };
 
 // Writes the tags of the whole file to `sink`. Throws DxfError when the audit finds an error.
-void WriteDxf(const Database& db, DxfVersion version, TagSink& sink);
+// True when the tags hold the drawing exactly (see WriteDxfString).
+bool WriteDxf(const Database& db, DxfVersion version, TagSink& sink);
 // The file as text. With `exact`, also tells whether the text reads back with every name,
 // text and number as the drawing holds it: false when something had to change to fit the
 // file (a control character, a literal "\U+" escape, an application name R14 cannot hold,

@@ -560,22 +560,23 @@ void RequireAudit(const Database& db, const std::string& path) {
 
 }  // namespace
 
-void WriteDxf(const Database& db, DxfVersion version, TagSink& sink) {
+bool WriteDxf(const Database& db, DxfVersion version, TagSink& sink) {
     RequireAudit(db, "");
-    dxfwrite::Writer(db, version, sink).Run();
+    dxfwrite::Writer writer(db, version, sink);
+    writer.Run();
+    return !writer.Altered();
 }
 
 std::string WriteDxfString(const Database& db, DxfVersion version, bool* exact) {
-    RequireAudit(db, "");
     std::string out;
     out.reserve(db.ObjectCount() * 160 + 4096);
+    bool written = false;
     {
         TextSink sink(out);
-        dxfwrite::Writer writer(db, version, sink);
-        writer.Run();
-        if (exact != nullptr) {
-            *exact = !writer.Altered();
-        }
+        written = WriteDxf(db, version, sink);
+    }
+    if (exact != nullptr) {
+        *exact = written;
     }
     return out;
 }

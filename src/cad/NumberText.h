@@ -10,9 +10,7 @@ namespace cad {
 
 // Shortest text that reads back to the same double; integers keep a ".0".
 std::string FormatReal(double v);
-void AppendReal(std::string& out, double v);
 std::string FormatHandle(Handle h);  // upper-case hex, no leading zeros; "0" for none
-void AppendHandle(std::string& out, Handle h);
 // The same texts written into a buffer of at least the given size; they return the end.
 inline constexpr int kRealTextMax = 32;
 inline constexpr int kHandleTextMax = 20;

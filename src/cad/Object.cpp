@@ -192,15 +192,9 @@ char* WriteReal(char* out, double v) {
     return WriteGeneralReal(out, v);
 }
 
-void AppendReal(std::string& out, double v) {
-    char buf[kRealTextMax];
-    out.append(buf, WriteReal(buf, v));
-}
-
 std::string FormatReal(double v) {
-    std::string s;
-    AppendReal(s, v);
-    return s;
+    char buf[kRealTextMax];
+    return std::string(buf, WriteReal(buf, v));
 }
 
 char* WriteHandle(char* out, Handle h) {
@@ -211,15 +205,9 @@ char* WriteHandle(char* out, Handle h) {
     return end;
 }
 
-void AppendHandle(std::string& out, Handle h) {
-    char buf[kHandleTextMax];
-    out.append(buf, WriteHandle(buf, h));
-}
-
 std::string FormatHandle(Handle h) {
-    std::string s;
-    AppendHandle(s, h);
-    return s;
+    char buf[kHandleTextMax];
+    return std::string(buf, WriteHandle(buf, h));
 }
 
 std::string_view Trim(std::string_view s) {

@@ -114,25 +114,20 @@ private:
 
     // Records are matched by name once per source record: a drawing's entities share a few.
     Handle App(Handle sourceApp) {
-        auto [it, fresh] = apps_.try_emplace(sourceApp, kNullHandle);
-        if (fresh) {
-            it->second = to_.RegisterApp(from_.AppName(sourceApp));
-        }
-        return it->second;
+        return Matched(apps_, sourceApp, [&] { return to_.RegisterApp(from_.AppName(sourceApp)); });
     }
-
     Handle Layer(Handle sourceLayer) {
-        auto [it, fresh] = layers_.try_emplace(sourceLayer, kNullHandle);
-        if (fresh) {
-            it->second = MatchLayer(sourceLayer);
-        }
-        return it->second;
+        return Matched(layers_, sourceLayer, [&] { return MatchLayer(sourceLayer); });
+    }
+    Handle Style(Handle sourceStyle) {
+        return Matched(styles_, sourceStyle, [&] { return MatchStyle(sourceStyle); });
     }
 
-    Handle Style(Handle sourceStyle) {
-        auto [it, fresh] = styles_.try_emplace(sourceStyle, kNullHandle);
+    template <class Match>
+    static Handle Matched(std::unordered_map<Handle, Handle>& seen, Handle source, Match match) {
+        auto [it, fresh] = seen.try_emplace(source, kNullHandle);
         if (fresh) {
-            it->second = MatchStyle(sourceStyle);
+            it->second = match();
         }
         return it->second;
     }

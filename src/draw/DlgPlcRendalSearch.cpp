@@ -3,29 +3,17 @@
 // then everything after it: the following siblings of the start and, level by level upwards,
 // the following siblings of its ancestors. Types fill in their module nodes only when the
 // walk reaches them, as a selection does.
-#include <algorithm>
-#include <cctype>
-
 #include "draw/DlgPlcRendal.h"
 #include "host/Host.h"
-
-namespace {
-
-std::string Upper(std::string_view text) {
-    std::string upper(text);
-    std::transform(upper.begin(), upper.end(), upper.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    return upper;
-}
-
-}  // namespace
+#include "host/TextFile.h"
 
 bool CDlgPlcRendal::MatchesSearch(const std::string& code) const {
     if (matchMode == 0) {
         return code.size() >= searchText.size() &&
-               Upper(code.substr(0, searchText.size())) == Upper(searchText);
+               textfile::UpperAscii(code.substr(0, searchText.size())) ==
+                   textfile::UpperAscii(searchText);
     }
-    return Upper(code).find(Upper(searchText)) != std::string::npos;
+    return textfile::UpperAscii(code).find(textfile::UpperAscii(searchText)) != std::string::npos;
 }
 
 draw::TreeNode* CDlgPlcRendal::SearchSubtree(draw::TreeNode* node) {

@@ -1,61 +1,13 @@
 #include "draw/DrawingFileCache.h"
 
-#include <fcntl.h>
-#include <sys/stat.h>
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstring>
-
 #include "cad/Dxf.h"
+#include "host/TextFile.h"
 
 namespace draw {
 
-namespace {
-
-bool ReadWholeFile(const std::string& path, std::string& bytes, std::string& error) {
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0) {
-        error = path + ": cannot be opened: " + std::strerror(errno);
-        return false;
-    }
-    struct stat st {};
-    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
-        ::close(fd);
-        error = path + ": is not a regular file";
-        return false;
-    }
-    bytes.resize(static_cast<std::size_t>(st.st_size));
-    std::size_t done = 0;
-    int failure = 0;
-    while (done < bytes.size()) {
-        const ssize_t n = ::read(fd, bytes.data() + done, bytes.size() - done);
-        if (n < 0 && errno == EINTR) {
-            continue;
-        }
-        if (n < 0) {
-            failure = errno;
-            break;
-        }
-        if (n == 0) {
-            break;  // shorter than it was a moment ago: what was read is parsed
-        }
-        done += static_cast<std::size_t>(n);
-    }
-    ::close(fd);
-    if (failure != 0) {
-        error = path + ": cannot be read: " + std::strerror(failure);
-        return false;
-    }
-    bytes.resize(done);
-    return true;
-}
-
-}  // namespace
-
 const cad::Database* DrawingFileCache::Read(const std::string& path, std::string& error) {
     std::string bytes;
-    if (!ReadWholeFile(path, bytes, error)) {
+    if (!textfile::ReadWhole(path, bytes, &error)) {
         Forget();
         return nullptr;
     }

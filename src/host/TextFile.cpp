@@ -1,15 +1,13 @@
 #include "host/TextFile.h"
 
 #include <fcntl.h>
-#include <sys/stat.h>
 #include <iconv.h>
+#include <sys/stat.h>
 #include <unistd.h>
 
 #include <cerrno>
 #include <cstring>
 #include <filesystem>
-#include <fstream>
-#include <iterator>
 
 namespace textfile {
 
@@ -83,13 +81,55 @@ std::string ToUtf8(std::string_view bytes) {
     return out;
 }
 
-std::optional<std::vector<std::string>> ReadLines(const std::string& path) {
-    std::ifstream file(path, std::ios::binary);
-    if (!file) {
-        return std::nullopt;
+bool ReadWhole(const std::string& path, std::string& bytes, std::string* error) {
+    auto fail = [&](const std::string& what, int why) {
+        if (error) {
+            *error = path + ": " + what + (why != 0 ? std::string(": ") + std::strerror(why) : "");
+        }
+        return false;
+    };
+    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
+    if (fd < 0) {
+        return fail("cannot be opened", errno);
     }
-    const std::string raw((std::istreambuf_iterator<char>(file)), std::istreambuf_iterator<char>());
-    if (file.bad()) {
+    struct stat st {};
+    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
+        ::close(fd);
+        return fail("is not a regular file", 0);
+    }
+    bytes.resize(static_cast<std::size_t>(st.st_size));
+    std::size_t done = 0;
+    int failure = 0;
+    while (done < bytes.size()) {
+        const ssize_t n = ::read(fd, bytes.data() + done, bytes.size() - done);
+        if (n < 0 && errno == EINTR) {
+            continue;
+        }
+        if (n <= 0) {
+            failure = n < 0 ? errno : 0;
+            break;  // at zero, shorter than it was a moment ago: what was read is kept
+        }
+        done += static_cast<std::size_t>(n);
+    }
+    ::close(fd);
+    if (failure != 0) {
+        return fail("cannot be read", failure);
+    }
+    bytes.resize(done);
+    return true;
+}
+
+std::string UpperAscii(std::string_view text) {
+    std::string upper(text);
+    for (char& c : upper) {
+        c = static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
+    }
+    return upper;
+}
+
+std::optional<std::vector<std::string>> ReadLines(const std::string& path) {
+    std::string raw;
+    if (!ReadWhole(path, raw)) {
         return std::nullopt;
     }
     const std::string text = ToUtf8(raw);

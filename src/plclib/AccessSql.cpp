@@ -4,6 +4,8 @@
 #include <cctype>
 #include <vector>
 
+#include "host/TextFile.h"
+
 namespace plcdb {
 namespace {
 
@@ -65,15 +67,8 @@ std::vector<Token> Tokenize(std::string_view sql) {
     return tokens;
 }
 
-std::string Upper(std::string_view text) {
-    std::string out(text);
-    std::transform(out.begin(), out.end(), out.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    return out;
-}
-
 bool IsWord(const Token& token, std::string_view upper) {
-    return token.kind == Kind::Word && Upper(token.text) == upper;
+    return token.kind == Kind::Word && textfile::UpperAscii(token.text) == upper;
 }
 
 bool IsPunct(const Token& token, char c) {
@@ -171,7 +166,8 @@ std::string TranslateColumn(const std::vector<Token>& tokens, size_t from, size_
             rest = close + 1;
         }
     }
-    const std::string mapped = MapColumnType(name.text, Upper(tokens[typeAt].text), size);
+    const std::string mapped =
+        MapColumnType(name.text, textfile::UpperAscii(tokens[typeAt].text), size);
     if (mapped.empty()) {
         return EmitRange(tokens, from, to);
     }
