@@ -10,6 +10,7 @@
 
 #include "cad/DxfReader.h"
 #include "cad/Encoding.h"
+#include "cad/Limits.h"
 #include "cad/NumberText.h"
 
 namespace cad {
@@ -70,7 +71,7 @@ double Reader::Real(const RawTag& t) const {
                   "value of group code " + std::to_string(t.code) + " is not a valid number",
                   t.value);
     }
-    if (std::abs(v) > 1e100) {
+    if (!InCoordinateRange(v)) {
         tok_.Fail(t.line + 1, "value of group code " + std::to_string(t.code) + " is out of range",
                   t.value);
     }
