@@ -208,6 +208,20 @@ TEST_F(SettingsFileTest, StoredPathsBelowTheLocalFolderAreRelative) {
     EXPECT_EQ(Loaded().termSymbolPath, Common() + "SYMB2LIB/Gone.dxf");
 }
 
+TEST_F(SettingsFileTest, MissingSymbolPathStaysTheSameOverSavesAndLoads) {
+    // Each save writes what the load resolved; a missing symbol must not gain the common
+    // folder again on every round.
+    WriteSettings("元件类型:1\n端子A路径:/elsewhere/SYMB2LIB/Gone.dxf\n");
+    const std::string first = Loaded().termSymbolPath;
+    for (int round = 0; round < 3; ++round) {
+        const std::vector<std::string> lines = *drawsettings::ReadSettingLines();
+        const PlcDrawSettings settings = Loaded();
+        WriteSettings(
+            drawsettings::FullFormText(drawsettings::LoadFormatTerminals(&lines), settings));
+        EXPECT_EQ(Loaded().termSymbolPath, first) << "round " << round;
+    }
+}
+
 TEST_F(SettingsFileTest, ShortFormReadsAsAFileWithoutLabels) {
     WriteSettings(drawsettings::ShortFormText({Common() + "SYMB2LIB/X.dxf", "X", 1, "9", 2.0f}));
     const PlcDrawSettings s = Loaded();

@@ -23,6 +23,14 @@ const char* TrueFalse(bool value) {
     return value ? "TRUE" : "FALSE";
 }
 
+bool IsInsideFolder(std::string_view path, std::string_view folder) {
+    while (!folder.empty() && folder.back() == '/') {
+        folder.remove_suffix(1);
+    }
+    return !folder.empty() && path.size() > folder.size() &&
+           path.substr(0, folder.size()) == folder && path[folder.size()] == '/';
+}
+
 }  // namespace
 
 const FormatLabels& LabelsOf(int format) {
@@ -84,7 +92,13 @@ std::string ResolveStoredSymbolPath(const std::string& stored) {
             path.replace(path.size() - kDwg.size(), kDwg.size(), ".dxf");
         }
     }
-    return suite::PathJoin(suite::GetZandrixCommonResInstallPath(), path);
+    // A path already inside the common folder stays as it is: joining it again would make it
+    // grow by the folder on every save of a settings file whose symbol is missing.
+    const std::string common = suite::GetZandrixCommonResInstallPath();
+    if (IsInsideFolder(path, common)) {
+        return path;
+    }
+    return suite::PathJoin(common, path);
 }
 
 std::optional<std::vector<std::string>> ReadSettingLines() {
