@@ -14,6 +14,7 @@
 #include "Args.h"
 #include "Commands.h"
 #include "ExitCodes.h"
+#include "LibraryCheck.h"
 #include "app/PlcRendalApp.h"
 #include "app/PlcRendalMain.h"
 #include "cad/Dxf.h"
@@ -322,7 +323,11 @@ int DrawThroughDialog(const DrawRequest& request, CliHost& host, cad::Database& 
     app::CPlcRendalMain().RunRendal();
     CDlgPlcRendal* dlg = g_pDlgPlcRendal;
     int exitCode = kExitFailure;
-    if (dlg != nullptr && FillDialog(*dlg, request)) {
+    if (dlg == nullptr) {
+        if (const int code = ExplainLibraryTrouble(app::LibraryPath()); code != kExitOk) {
+            exitCode = code;
+        }
+    } else if (FillDialog(*dlg, request)) {
         host.points.assign(request.points.begin(), request.points.end());
         request.divided ? dlg->OnDrawDivided() : dlg->OnDrawFull();
         if (dlg->drawPending) {
