@@ -21,16 +21,17 @@ for f in bin/qvplc share/zandrix/SYMB2LIB/SYMB2_S_KTR5.dxf share/zandrix/Data/PL
     [ -s "$root/$f" ] || fail "$f is not installed"
 done
 
-# The manual page: made from --help, so it lists the groups and the exit codes; groff reads
-# it without a warning.
+# The manual page: made from --help, so it lists the groups, every command and the exit
+# codes; groff reads it without a warning.
 man1="$root/share/man/man1/qvplc.1"
 if [ -s "$man1" ]; then
     grep -q '^\.TH QVPLC "1"' "$man1" || fail "the manual page has no .TH header"
-    for word in 'lib init' 'Exit codes' 'ZANDRIX_LOCAL_DIR' 'ENVIRONMENT'; do
-        grep -q -- "$word" "$man1" || fail "the manual page does not mention '$word'"
+    for word in 'lib init' 'Exit codes' 'ZANDRIX_LOCAL_DIR' 'ENVIRONMENT' '.SS "qvplc draw"' \
+                '.SS "qvplc dxf render"' '\-\-pieces'; do
+        grep -qF -- "$word" "$man1" || fail "the manual page does not mention '$word'"
     done
     if command -v groff >/dev/null; then
-        warnings=$(groff -man -Tutf8 -ww -z "$man1" 2>&1)
+        warnings=$(groff -k -man -Tutf8 -ww -z "$man1" 2>&1)
         [ -z "$warnings" ] || fail "groff warns about the manual page: $warnings"
     fi
 fi
