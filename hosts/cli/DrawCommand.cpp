@@ -374,7 +374,7 @@ int RunDraw(const Arguments& args, CliHost& host) {
     if (exitCode != kExitOk) {
         return exitCode;
     }
-    return SaveDrawing(*db, request) ? kExitOk : kExitFailure;
+    return SaveDrawing(*db, request) ? kExitOk : kExitCannotWrite;
 }
 
 }  // namespace cli

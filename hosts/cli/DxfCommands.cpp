@@ -191,7 +191,7 @@ int RunConvert(const Arguments& args) {
         cad::WriteDxfFile(*db, parsed->positional[1], *version);
     } catch (const std::exception& e) {
         std::fprintf(stderr, "qvplc dxf: %s: %s\n", parsed->positional[1].c_str(), e.what());
-        return kExitFailure;
+        return kExitCannotWrite;
     }
     return kExitOk;
 }

@@ -356,7 +356,7 @@ int RunSet(const Arguments& args) {
         std::fprintf(stderr,
                      "qvplc settings: cannot write %s (is it read-only?); nothing was stored\n",
                      PlcDrawSettingFilePath().c_str());
-        return kExitFailure;
+        return kExitCannotWrite;
     }
     std::printf("settings stored in %s\n", PlcDrawSettingFilePath().c_str());
     PrintSettings(settings, nullptr);
