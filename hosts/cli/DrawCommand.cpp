@@ -28,8 +28,8 @@ namespace cli {
 namespace {
 
 const CommandSpec kDrawSpec{
-    "qvplc draw MANUFACTURER/SERIES/TYPE/CODE --tag TAG (--at X,Y | --pieces X0,Y0:X1,Y1 ...) "
-    "--drawing FILE.dxf",
+    "qvplc draw MANUFACTURER/SERIES/TYPE/CODE --tag TAG (--at X,Y | --pieces X0,Y0:X1,Y1 "
+    "[--pieces X0,Y0:X1,Y1]...) --drawing FILE.dxf",
     "Draws one module of the component library (local folder + PLC/QvPLC.db) into a DXF\n"
     "drawing, as the drawing dialog does: the module is selected in the library tree, its\n"
     "terminal rows are listed (all of them chosen, leads up, or left in the vertical\n"

@@ -27,7 +27,7 @@ man1="$root/share/man/man1/qvplc.1"
 if [ -s "$man1" ]; then
     grep -q '^\.TH QVPLC "1"' "$man1" || fail "the manual page has no .TH header"
     for word in 'lib init' 'Exit codes' 'ZANDRIX_LOCAL_DIR' 'ENVIRONMENT' '.SS "qvplc draw"' \
-                '.SS "qvplc dxf render"' '\-\-pieces'; do
+                '.SS "qvplc dxf render"' '\-\-pieces' '(完整绘制)'; do
         grep -qF -- "$word" "$man1" || fail "the manual page does not mention '$word'"
     done
     if command -v groff >/dev/null; then
