@@ -15,6 +15,7 @@
 #include "Commands.h"
 #include "ExitCodes.h"
 #include "LibraryCheck.h"
+#include "PiecesAdvice.h"
 #include "app/PlcRendalApp.h"
 #include "app/PlcRendalMain.h"
 #include "cad/Dxf.h"
@@ -336,6 +337,9 @@ int DrawThroughDialog(const DrawRequest& request, CliHost& host, cad::Database& 
         }
     }
     if (host.declined) {
+        if (request.divided && dlg != nullptr) {
+            ExplainMissingPieces(*dlg, request.points);
+        }
         std::fprintf(stderr,
                      "qvplc draw: the drawing asked for more points than the options "
                      "give; nothing was written\n");

@@ -139,7 +139,7 @@ TEST_F(ProgramTest, MessagesGoToStandardErrorAndResultsToStandardOutput) {
     ASSERT_EQ(Qvplc("lib init --sample").code, cli::kExitOk);
     // A message box of the system (no tag) and its command-line printing.
     Outcome run = Qvplc(std::string("draw ") + kModule + " --tag '' --at 0,0 --drawing '" +
-                    (dir_ / "a.dxf").string() + "'");
+                        (dir_ / "a.dxf").string() + "'");
     EXPECT_NE(run.code, cli::kExitOk);
     EXPECT_EQ(run.out, "");
     EXPECT_NE(run.err.find("qvplc draw: warning: [Zandrix] 请输入标号\n"), std::string::npos)
@@ -206,6 +206,46 @@ TEST_F(ProgramTest, LibInitMakesAnEmptyOrSampleLibraryAndNeverReplacesOne) {
     run = Qvplc("lib show 'Norvik Controls/NX 10/Digital input/NX1-DI8'");
     EXPECT_EQ(run.code, cli::kExitOk) << run.err;
     EXPECT_NE(run.out.find("9\t9\t1M\t"), std::string::npos) << run.out;
+}
+
+// Pieces 40 long, one below the other.
+std::string Pieces(size_t count) {
+    std::string options;
+    for (size_t i = 0; i < count; ++i) {
+        const std::string y = std::to_string(-50 * static_cast<int>(i));
+        options += " --pieces 0," + y + ":40," + y;
+    }
+    return options;
+}
+
+TEST_F(ProgramTest, TooFewPiecesAreCountedAndTheCountIsRight) {
+    ASSERT_EQ(Qvplc("lib init --sample").code, cli::kExitOk);
+    const std::string draw =
+        std::string("draw ") + kModule + " --tag A1 --drawing '" + (dir_ / "a.dxf").string() + "'";
+    Outcome run = Qvplc(draw + Pieces(1));
+    EXPECT_EQ(run.code, cli::kExitCancelled);
+    std::smatch match;
+    ASSERT_TRUE(std::regex_search(run.err, match,
+                                  std::regex("qvplc draw: the module needs ([0-9]+) pieces .*, "
+                                             "but 1 were given; repeat --pieces X0,Y0:X1,Y1 "
+                                             "once for each piece\n")))
+        << run.err;
+    const size_t needed = std::stoul(match[1]);
+    ASSERT_GT(needed, 1u);
+    run = Qvplc(draw + Pieces(needed - 1));
+    EXPECT_EQ(run.code, cli::kExitCancelled);
+    EXPECT_NE(run.err.find("needs " + std::to_string(needed) + " pieces"), std::string::npos)
+        << run.err;
+    EXPECT_FALSE(fs::exists(dir_ / "a.dxf"));
+    run = Qvplc(draw + Pieces(needed));
+    EXPECT_EQ(run.code, cli::kExitOk) << run.err;
+
+    run = Qvplc(draw + " --pieces 0,0:10,0");
+    EXPECT_EQ(run.code, cli::kExitCancelled);
+    EXPECT_NE(run.err.find("no piece given holds one; repeat --pieces X0,Y0:X1,Y1 once for each "
+                           "piece, each longer than 25"),
+              std::string::npos)
+        << run.err;
 }
 
 TEST_F(ProgramTest, AnEnglishLocaleShowsTheTranslationNextToTheSystemsText) {
