@@ -76,6 +76,24 @@ if expect_code cli-cancelled 4 $c; then
     [ ! -e "$S/cancelled.dxf" ] && ok cli-cancelled || fail cli-cancelled "a drawing was written"
 fi
 
+# Too few pieces: the error says how many the module needs, and that many are enough.
+run cli-pieces-count draw "$MODULE" --tag A1 --pieces 0,0:40,0 --drawing "$S/pieces.dxf"
+c=$?
+needed=$(sed -n 's/^qvplc draw: the module needs \([0-9]*\) pieces .*repeat --pieces X0,Y0:X1,Y1 once for each piece$/\1/p' "$S/cli-pieces-count.err")
+if expect_code cli-pieces-count 4 $c; then
+    if [ -z "$needed" ]; then
+        fail cli-pieces-count "no count of the pieces needed: $(head -c 300 "$S/cli-pieces-count.err")"
+    else
+        pieces=()
+        for i in $(seq 0 $((needed - 1))); do pieces+=(--pieces "0,$((-50 * i)):40,$((-50 * i))"); done
+        if "$QVPLC" draw "$MODULE" --tag A1 "${pieces[@]}" --drawing "$S/pieces.dxf" 2>/dev/null; then
+            ok cli-pieces-count
+        else
+            fail cli-pieces-count "$needed pieces, as the error said, do not draw the module"
+        fi
+    fi
+fi
+
 python3 -c "
 import sqlite3, time, pathlib
 c = sqlite3.connect('$ZANDRIX_LOCAL_DIR/PLC/QvPLC.db', isolation_level=None)
