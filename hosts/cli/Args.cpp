@@ -3,6 +3,7 @@
 #include <cstdio>
 
 #include "ExitCodes.h"
+#include "Messages.h"
 
 namespace cli {
 
@@ -31,8 +32,9 @@ const OptionSpec* Find(const CommandSpec& command, const std::string& name) {
 }
 
 void UsageError(const CommandSpec& command, const std::string& message) {
-    std::fprintf(stderr, "qvplc: %s\nusage: %s\nTry '%s --help' for more.\n", message.c_str(),
-                 command.usage.c_str(), command.usage.substr(0, command.usage.find(' ', 6)).c_str());
+    Complain(message);
+    std::fprintf(stderr, "usage: %s\nTry '%s --help' for more.\n", command.usage.c_str(),
+                 command.usage.substr(0, command.usage.find(' ', 6)).c_str());
 }
 
 }  // namespace
@@ -104,11 +106,15 @@ std::string HelpText(const CommandSpec& command) {
     if (!command.details.empty()) {
         text += "\n" + command.details + "\n";
     }
-    text += std::string("\n") + kExitCodesHelp;
+    text += "\n" + ExitCodesHelp();
     return text;
 }
 
-OptionSpec YesOption() { return {"yes", "", "answer Yes/OK to every question the command asks"}; }
-OptionSpec NoOption() { return {"no", "", "answer No/Cancel to every question the command asks"}; }
+OptionSpec YesOption() {
+    return {"yes", "", "answer Yes/OK to every question the command asks"};
+}
+OptionSpec NoOption() {
+    return {"no", "", "answer No/Cancel to every question the command asks"};
+}
 
 }  // namespace cli

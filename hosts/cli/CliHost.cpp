@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <sstream>
 
+#include "Messages.h"
 #include "host/TextFile.h"
 
 namespace cli {
@@ -23,32 +24,53 @@ const char* IconWord(host::MsgIcon icon) {
     return "message";
 }
 
+// The text without the line feeds and blanks the system puts around it for a CAD command line.
+std::string_view Trimmed(std::string_view text) {
+    const auto first = text.find_first_not_of(" \r\n");
+    if (first == std::string_view::npos) {
+        return {};
+    }
+    return text.substr(first, text.find_last_not_of(" \r\n") - first + 1);
+}
+
+// The command line of a CAD host is where the system talks to its user: here each line of
+// it becomes one message on standard error.
+void ShowLines(std::string_view text) {
+    while (!text.empty()) {
+        const auto end = text.find('\n');
+        const std::string_view line = Trimmed(text.substr(0, end));
+        if (!line.empty()) {
+            Complain(WithTranslation(line));
+        }
+        text = end == std::string_view::npos ? std::string_view() : text.substr(end + 1);
+    }
+}
+
 }  // namespace
 
 void CliHost::Print(std::string_view text) {
     if (!quiet) {
-        std::fwrite(text.data(), 1, text.size(), stdout);
-        std::fflush(stdout);
+        ShowLines(text);
     }
 }
 
 host::MsgResult CliHost::MessageBox(const host::MessageBoxRequest& request) {
     const bool question = request.buttons != host::MsgButtons::Ok;
-    std::fprintf(stderr, "[%s] %s: %s\n", request.caption.c_str(), IconWord(request.icon),
-                 request.text.c_str());
+    Complainf("%s: [%s] %s", IconWord(request.icon), request.caption.c_str(),
+              WithTranslation(Trimmed(request.text)).c_str());
     if (!question) {
         return host::MsgResult::Ok;
     }
     const bool okCancel = request.buttons == host::MsgButtons::OkCancel;
     if (answer == Answer::Yes) {
-        std::fprintf(stderr, "  -> %s (--yes)\n", okCancel ? "OK" : "Yes");
+        Complainf("answered %s (--yes)", okCancel ? "OK" : "Yes");
         return okCancel ? host::MsgResult::Ok : host::MsgResult::Yes;
     }
     if (answer == Answer::None) {
-        std::fprintf(stderr, "  -> refused: no answer given (pass --yes or --no)\n");
+        Complain("no answer given (pass --yes or --no): refused");
         declined = true;
     } else {
-        std::fprintf(stderr, "  -> %s (--no)\n", okCancel ? "Cancel" : "No");
+        Complainf("answered %s (--no)", okCancel ? "Cancel" : "No");
     }
     return okCancel ? host::MsgResult::Cancel : host::MsgResult::No;
 }
@@ -81,8 +103,8 @@ int CliHost::RunPendingCommands() {
 host::InputStatus CliHost::GetPoint(std::string_view prompt, const cad::Point3d*,
                                     cad::Point3d& picked) {
     if (points.empty()) {
-        std::fprintf(stderr, "%.*s\n  -> no point given on the command line: cancelled\n",
-                     static_cast<int>(prompt.size()), prompt.data());
+        ShowLines(prompt);
+        Complain("no point given on the command line: cancelled");
         declined = true;
         return host::InputStatus::Cancel;
     }

@@ -1,5 +1,5 @@
-// The command-line host: command-line printing goes to standard output, message boxes to
-// standard error, questions are answered by --yes / --no (and refused when neither was
+// The command-line host: command-line printing and message boxes go to standard error, one
+// prefixed line each (standard output is for results), questions are answered by --yes / --no (and refused when neither was
 // given), and points come from options, in the order the command will ask for them.
 #pragma once
 

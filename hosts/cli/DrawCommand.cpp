@@ -14,6 +14,8 @@
 #include "Args.h"
 #include "Commands.h"
 #include "ExitCodes.h"
+#include "LibraryCheck.h"
+#include "PiecesAdvice.h"
 #include "app/PlcRendalApp.h"
 #include "app/PlcRendalMain.h"
 #include "cad/Dxf.h"
@@ -27,8 +29,8 @@ namespace cli {
 namespace {
 
 const CommandSpec kDrawSpec{
-    "qvplc draw MANUFACTURER/SERIES/TYPE/CODE --tag TAG (--at X,Y | --pieces X0,Y0:X1,Y1 ...) "
-    "--drawing FILE.dxf",
+    "qvplc draw MANUFACTURER/SERIES/TYPE/CODE --tag TAG (--at X,Y | --pieces X0,Y0:X1,Y1 "
+    "[--pieces X0,Y0:X1,Y1]...) --drawing FILE.dxf",
     "Draws one module of the component library (local folder + PLC/QvPLC.db) into a DXF\n"
     "drawing, as the drawing dialog does: the module is selected in the library tree, its\n"
     "terminal rows are listed (all of them chosen, leads up, or left in the vertical\n"
@@ -322,7 +324,11 @@ int DrawThroughDialog(const DrawRequest& request, CliHost& host, cad::Database& 
     app::CPlcRendalMain().RunRendal();
     CDlgPlcRendal* dlg = g_pDlgPlcRendal;
     int exitCode = kExitFailure;
-    if (dlg != nullptr && FillDialog(*dlg, request)) {
+    if (dlg == nullptr) {
+        if (const int code = ExplainLibraryTrouble(app::LibraryPath()); code != kExitOk) {
+            exitCode = code;
+        }
+    } else if (FillDialog(*dlg, request)) {
         host.points.assign(request.points.begin(), request.points.end());
         request.divided ? dlg->OnDrawDivided() : dlg->OnDrawFull();
         if (dlg->drawPending) {
@@ -331,6 +337,9 @@ int DrawThroughDialog(const DrawRequest& request, CliHost& host, cad::Database& 
         }
     }
     if (host.declined) {
+        if (request.divided && dlg != nullptr) {
+            ExplainMissingPieces(*dlg, request.points);
+        }
         std::fprintf(stderr,
                      "qvplc draw: the drawing asked for more points than the options "
                      "give; nothing was written\n");
@@ -369,7 +378,7 @@ int RunDraw(const Arguments& args, CliHost& host) {
     if (exitCode != kExitOk) {
         return exitCode;
     }
-    return SaveDrawing(*db, request) ? kExitOk : kExitFailure;
+    return SaveDrawing(*db, request) ? kExitOk : kExitCannotWrite;
 }
 
 }  // namespace cli

@@ -58,13 +58,13 @@ std::unique_ptr<cad::Database> Load(const std::string& path) {
         return cad::ReadDxfFile(path);
     } catch (const cad::DxfError& e) {
         if (e.Line() > 0) {
-            std::fprintf(stderr, "qvplc: %s:%ld: %s\n", e.File().c_str(), e.Line(),
+            std::fprintf(stderr, "qvplc dxf: %s:%ld: %s\n", e.File().c_str(), e.Line(),
                          e.Problem().c_str());
         } else {
-            std::fprintf(stderr, "qvplc: %s: %s\n", e.File().c_str(), e.Problem().c_str());
+            std::fprintf(stderr, "qvplc dxf: %s: %s\n", e.File().c_str(), e.Problem().c_str());
         }
     } catch (const std::exception& e) {
-        std::fprintf(stderr, "qvplc: %s: %s\n", path.c_str(), e.what());
+        std::fprintf(stderr, "qvplc dxf: %s: %s\n", path.c_str(), e.what());
     }
     return nullptr;
 }
@@ -82,7 +82,7 @@ std::optional<ParsedArgs> ParseWithHelp(const CommandSpec& command, const Argume
         return std::nullopt;
     }
     if (parsed->positional.size() != positionals) {
-        std::fprintf(stderr, "qvplc: expected %zu file name(s)\nusage: %s\n", positionals,
+        std::fprintf(stderr, "qvplc dxf: expected %zu file name(s)\nusage: %s\n", positionals,
                      command.usage.c_str());
         exitCode = kExitUsage;
         return std::nullopt;
@@ -179,7 +179,7 @@ int RunConvert(const Arguments& args) {
     const auto versionText = parsed->Value("version");
     const auto version = versionText ? ParseVersion(*versionText) : std::nullopt;
     if (!version) {
-        std::fprintf(stderr, "qvplc: --version must be R14, 2000, 2004, 2007 or 2010%s\n",
+        std::fprintf(stderr, "qvplc dxf: --version must be R14, 2000, 2004, 2007 or 2010%s\n",
                      versionText ? (", not '" + *versionText + "'").c_str() : "");
         return kExitUsage;
     }
@@ -190,8 +190,8 @@ int RunConvert(const Arguments& args) {
     try {
         cad::WriteDxfFile(*db, parsed->positional[1], *version);
     } catch (const std::exception& e) {
-        std::fprintf(stderr, "qvplc: %s: %s\n", parsed->positional[1].c_str(), e.what());
-        return kExitFailure;
+        std::fprintf(stderr, "qvplc dxf: %s: %s\n", parsed->positional[1].c_str(), e.what());
+        return kExitCannotWrite;
     }
     return kExitOk;
 }
@@ -208,7 +208,7 @@ int RunRender(const Arguments& args) {
         const long px = std::strtol(width->c_str(), &end, 10);
         if (width->empty() || *end != '\0' || px < 16 || px > 20000) {
             std::fprintf(stderr,
-                         "qvplc: --width must be a whole number of pixels from 16 to "
+                         "qvplc dxf: --width must be a whole number of pixels from 16 to "
                          "20000, not '%s'\n",
                          width->c_str());
             return kExitUsage;
@@ -217,7 +217,7 @@ int RunRender(const Arguments& args) {
     }
     cad::render::PictureFormat format;
     if (!cad::render::FormatFromPath(parsed->positional[1], format)) {
-        std::fprintf(stderr, "qvplc: '%s': the picture must be named .png or .svg\n",
+        std::fprintf(stderr, "qvplc dxf: '%s': the picture must be named .png or .svg\n",
                      parsed->positional[1].c_str());
         return kExitUsage;
     }
@@ -230,14 +230,14 @@ int RunRender(const Arguments& args) {
         return kExitBadInput;
     }
     if (!options.block.empty() && db->FindBlock(options.block) == cad::kNullHandle) {
-        std::fprintf(stderr, "qvplc: %s: the drawing has no block named '%s'\n",
+        std::fprintf(stderr, "qvplc dxf: %s: the drawing has no block named '%s'\n",
                      parsed->positional[0].c_str(), options.block.c_str());
         return kExitUsage;
     }
     std::string error;
     cad::render::WalkCounts counts;
     if (!cad::render::RenderToFile(*db, parsed->positional[1], options, error, &counts)) {
-        std::fprintf(stderr, "qvplc: %s\n", error.c_str());
+        std::fprintf(stderr, "qvplc dxf: %s\n", error.c_str());
         return kExitFailure;
     }
     std::printf(
@@ -264,7 +264,7 @@ int RunDxf(const Arguments& args, CliHost&) {
     if (args[0] == "render") {
         return RunRender(rest);
     }
-    std::fprintf(stderr, "qvplc: unknown command 'dxf %s'\n\n%s", args[0].c_str(), kGroupHelp);
+    std::fprintf(stderr, "qvplc dxf: unknown command 'dxf %s'\n\n%s", args[0].c_str(), kGroupHelp);
     return kExitUsage;
 }
 

@@ -1,13 +1,17 @@
 // qvplc lib: the component library on the command line. `tree` and `show` read it the way the
-// dialogs do; `migrate` converts a Windows library (Access file) into this system's.
+// dialogs do; `migrate` converts a Windows library (Access file) into this system's; `init`
+// makes a new one where the program looks for it.
 #include <cstdio>
 #include <filesystem>
+#include <fstream>
 #include <string>
 
 #include "Args.h"
 #include "Commands.h"
 #include "ExitCodes.h"
+#include "LibraryCheck.h"
 #include "host/SuiteServices.h"
+#include "plclib/LibrarySql.h"
 #include "plclib/LibraryTree.h"
 #include "plclib/Migrate.h"
 #include "plclib/PlcLib.h"
@@ -49,6 +53,18 @@ const CommandSpec kMigrateSpec{
      {"library", "FILE", "write this library instead of the one in the local folder"}},
     "Example:\n  qvplc lib migrate /mnt/win/Zandrix/PLC/QvPLC.mdb --force"};
 
+const CommandSpec kInitSpec{
+    "qvplc lib init [--sample] [--library FILE]",
+    "Makes a new component library where the program looks for one: PLC/QvPLC.db in the\n"
+    "local installation folder (both folders are made when missing). Without --sample the\n"
+    "library is empty: it holds the two tables every library has (PLC_MANUFACTURER and\n"
+    "MANUFACTURER_Simple). With --sample it holds the bundled sample library\n"
+    "(sample/QvPLC.sql of the common resource folder). An existing library is never\n"
+    "replaced; the new one is built under a temporary name and put in place when complete.",
+    {{"sample", "", "fill the new library with the bundled sample library"},
+     {"library", "FILE", "make this file instead (its folder must exist)"}},
+    "Examples:\n  qvplc lib init --sample\n  qvplc lib init --library ./empty.db"};
+
 std::string LibraryPath(const ParsedArgs& args) {
     if (auto path = args.Value("library")) {
         return *path;
@@ -60,10 +76,14 @@ std::string LibraryPath(const ParsedArgs& args) {
 int Load(const ParsedArgs& args, CPlcLib& lib) {
     const std::string path = LibraryPath(args);
     if (!lib.Open(path)) {
-        return kExitBadInput;
+        const int code = ExplainLibraryTrouble(path);
+        return code != kExitOk ? code : kExitBadInput;
     }
     if (!lib.LoadLibrary()) {
-        std::fprintf(stderr, "qvplc: the library %s holds no manufacturer\n", path.c_str());
+        if (const int code = ExplainLibraryTrouble(path); code != kExitOk) {
+            return code;
+        }
+        std::fprintf(stderr, "qvplc lib: the library %s holds no manufacturer\n", path.c_str());
         return kExitFailure;
     }
     return kExitOk;
@@ -93,7 +113,8 @@ int RunShow(const ParsedArgs& args) {
     for (int i = 0; i < 3; ++i) {
         const size_t slash = key.find('/', start);
         if (slash == std::string::npos) {
-            std::fprintf(stderr, "qvplc: '%s' is not MANUFACTURER/SERIES/TYPE/CODE\n", key.c_str());
+            std::fprintf(stderr, "qvplc lib: '%s' is not MANUFACTURER/SERIES/TYPE/CODE\n",
+                         key.c_str());
             return kExitUsage;
         }
         parts.push_back(key.substr(start, slash - start));
@@ -106,7 +127,7 @@ int RunShow(const ParsedArgs& args) {
     }
     auto* found = plcdb::FindModule(lib.Entries(), parts[0], parts[1], parts[2], parts[3]);
     if (!found) {
-        std::fprintf(stderr, "qvplc: the library %s has no module %s\n", lib.Path().c_str(),
+        std::fprintf(stderr, "qvplc lib: the library %s has no module %s\n", lib.Path().c_str(),
                      key.c_str());
         return kExitFailure;
     }
@@ -144,7 +165,7 @@ int RunMigrate(const ParsedArgs& args) {
     plcdb::AccessReader reader;
     std::string error;
     if (!reader.Open(source, error)) {
-        std::fprintf(stderr, "qvplc: %s\n", error.c_str());
+        std::fprintf(stderr, "qvplc lib: %s\n", error.c_str());
         return kExitBadInput;
     }
     const std::string target = LibraryPath(args);
@@ -153,18 +174,72 @@ int RunMigrate(const ParsedArgs& args) {
     options.progress = DrawProgress;
     plcdb::MigrationReport report;
     if (!plcdb::MigrateLibrary(reader, target, options, report, error)) {
-        std::fprintf(stderr, "qvplc: %s\n", error.c_str());
+        std::fprintf(stderr, "qvplc lib: %s\n", error.c_str());
         return error.find("no component library") != std::string::npos ? kExitBadInput
                                                                        : kExitFailure;
     }
     for (const auto& problem : report.problems) {
-        std::fprintf(stderr, "not converted: %s\n", problem.c_str());
+        std::fprintf(stderr, "qvplc lib: not converted: %s\n", problem.c_str());
     }
     std::printf(
         "%s: %d manufacturers, %d type rows, %d module tables, %d modules, "
         "%d terminal rows; %zu problems\n",
         target.c_str(), report.manufacturers, report.typeRows, report.tables, report.modules,
         report.terminals, report.problems.size());
+    return kExitOk;
+}
+
+// Makes the folders of the default library; a --library file's folder must exist.
+bool MakeLibraryFolder(const ParsedArgs& args, const std::string& target) {
+    if (args.Has("library")) {
+        return true;
+    }
+    std::error_code ec;
+    std::filesystem::create_directories(std::filesystem::path(target).parent_path(), ec);
+    if (ec) {
+        std::fprintf(stderr, "qvplc lib: cannot make the folder %s: %s\n",
+                     std::filesystem::path(target).parent_path().c_str(), ec.message().c_str());
+        return false;
+    }
+    return true;
+}
+
+int RunInit(const ParsedArgs& args) {
+    const std::string target = LibraryPath(args);
+    std::error_code ec;
+    if (std::filesystem::exists(std::filesystem::symlink_status(target, ec))) {
+        std::fprintf(stderr,
+                     "qvplc lib: %s already exists; it was left as it is (remove it first to "
+                     "make a new one)\n",
+                     target.c_str());
+        return kExitFailure;
+    }
+    std::ifstream sample;
+    const std::string source =
+        suite::PathJoin(suite::GetZandrixCommonResInstallPath(), "sample/QvPLC.sql");
+    if (args.Has("sample")) {
+        sample.open(source);
+        if (!sample) {
+            std::fprintf(stderr, "qvplc lib: cannot read the sample library %s\n", source.c_str());
+            return kExitBadInput;
+        }
+    }
+    if (!MakeLibraryFolder(args, target)) {
+        return kExitCannotWrite;
+    }
+    std::string error;
+    int statements = 0;
+    const auto result = plcdb::CreateLibraryFile(target, args.Has("sample") ? &sample : nullptr,
+                                                 source, error, statements);
+    if (result != plcdb::CreateResult::Created) {
+        std::fprintf(stderr, "qvplc lib: cannot make the library: %s\n", error.c_str());
+        return result == plcdb::CreateResult::BadStatement ? kExitBadInput : kExitCannotWrite;
+    }
+    if (args.Has("sample")) {
+        std::printf("%s: the sample library (%d statements)\n", target.c_str(), statements);
+    } else {
+        std::printf("%s: an empty library\n", target.c_str());
+    }
     return kExitOk;
 }
 
@@ -179,6 +254,7 @@ const Subcommand kSubcommands[] = {
     {"tree", &kTreeSpec, 0, RunTree},
     {"show", &kShowSpec, 1, RunShow},
     {"migrate", &kMigrateSpec, 1, RunMigrate},
+    {"init", &kInitSpec, 0, RunInit},
 };
 
 void PrintGroupUsage(FILE* out) {
@@ -187,7 +263,8 @@ void PrintGroupUsage(FILE* out) {
                  "Commands:\n"
                  "  tree      print manufacturer > series > type > module\n"
                  "  show      print one module and its terminal rows\n"
-                 "  migrate   convert a Windows library (.mdb) into PLC/QvPLC.db\n\n"
+                 "  migrate   convert a Windows library (.mdb) into PLC/QvPLC.db\n"
+                 "  init      make a new library (empty, or --sample) in PLC/QvPLC.db\n\n"
                  "Every command takes --help.\n");
 }
 
@@ -211,13 +288,14 @@ int RunLib(const Arguments& args, CliHost& host) {
             return kExitOk;
         }
         if (parsed->positional.size() != sub.positional) {
-            std::fprintf(stderr, "qvplc: %s takes %zu argument%s\nusage: %s\n", sub.name,
-                         sub.positional, sub.positional == 1 ? "" : "s", sub.command->usage.c_str());
+            std::fprintf(stderr, "qvplc lib: %s takes %zu argument%s\nusage: %s\n", sub.name,
+                         sub.positional, sub.positional == 1 ? "" : "s",
+                         sub.command->usage.c_str());
             return kExitUsage;
         }
         return sub.run(*parsed);
     }
-    std::fprintf(stderr, "qvplc: unknown command 'lib %s'\n\n", args[0].c_str());
+    std::fprintf(stderr, "qvplc lib: unknown command 'lib %s'\n\n", args[0].c_str());
     PrintGroupUsage(stderr);
     return kExitUsage;
 }

@@ -196,15 +196,16 @@ bool ReadChanges(const std::vector<std::string>& args, Changes& changes) {
             problem = name + "=" + arg.substr(eq + 1) + ": " + name + " " + bad;
         }
         if (!problem.empty()) {
-            std::fprintf(stderr,
-                         "qvplc: %s\nusage: %s\nTry 'qvplc settings set --help' for the keys.\n",
-                         problem.c_str(), kSetSpec.usage.c_str());
+            std::fprintf(
+                stderr,
+                "qvplc settings: %s\nusage: %s\nTry 'qvplc settings set --help' for the keys.\n",
+                problem.c_str(), kSetSpec.usage.c_str());
             return false;
         }
         changes[name] = arg.substr(eq + 1);
     }
     if (changes.empty()) {
-        std::fprintf(stderr, "qvplc: nothing to set\nusage: %s\n", kSetSpec.usage.c_str());
+        std::fprintf(stderr, "qvplc settings: nothing to set\nusage: %s\n", kSetSpec.usage.c_str());
         return false;
     }
     return true;
@@ -311,7 +312,7 @@ int RunShow(const Arguments& args) {
         return kExitOk;
     }
     if (!parsed->positional.empty()) {
-        std::fprintf(stderr, "qvplc: unexpected argument '%s'\nusage: %s\n",
+        std::fprintf(stderr, "qvplc settings: unexpected argument '%s'\nusage: %s\n",
                      parsed->positional.front().c_str(), kShowSpec.usage.c_str());
         return kExitUsage;
     }
@@ -346,14 +347,16 @@ int RunSet(const Arguments& args) {
         settings, [&](CPLCSettingSheetDlg& sheet) { return ApplyChanges(sheet, changes); },
         &written);
     if (!confirmed) {
-        std::fprintf(stderr,
-                     "qvplc: the terminal settings refused the change; nothing was stored\n");
+        std::fprintf(
+            stderr,
+            "qvplc settings: the terminal settings refused the change; nothing was stored\n");
         return kExitFailure;
     }
     if (!written) {
-        std::fprintf(stderr, "qvplc: cannot write %s (is it read-only?); nothing was stored\n",
+        std::fprintf(stderr,
+                     "qvplc settings: cannot write %s (is it read-only?); nothing was stored\n",
                      PlcDrawSettingFilePath().c_str());
-        return kExitFailure;
+        return kExitCannotWrite;
     }
     std::printf("settings stored in %s\n", PlcDrawSettingFilePath().c_str());
     PrintSettings(settings, nullptr);
@@ -374,7 +377,8 @@ int RunSettings(const Arguments& args, CliHost& host) {
     if (args[0] == "set") {
         return RunSet(rest);
     }
-    std::fprintf(stderr, "qvplc: unknown settings command '%s'\n\n%s", args[0].c_str(), kGroupHelp);
+    std::fprintf(stderr, "qvplc settings: unknown settings command '%s'\n\n%s", args[0].c_str(),
+                 kGroupHelp);
     return kExitUsage;
 }
 

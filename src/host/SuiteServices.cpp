@@ -2,6 +2,8 @@
 
 #include <algorithm>
 #include <cstdlib>
+#include <filesystem>
+#include <system_error>
 
 #ifndef QV_COMMON_RES_DIR
 #define QV_COMMON_RES_DIR "/usr/share/zandrix"
@@ -48,7 +50,25 @@ std::string GetZandrixLocalInstallPath() {
 }
 
 std::string GetZandrixCommonResInstallPath() {
-    return WithTrailingSlash(EnvOr("ZANDRIX_COMMON_DIR", QV_COMMON_RES_DIR));
+    if (const char* value = std::getenv("ZANDRIX_COMMON_DIR"); value && *value) {
+        return WithTrailingSlash(value);
+    }
+    const std::string share = ProgramShareDir();
+    const std::string beside = PathJoin(share, "zandrix");
+    std::error_code ec;
+    if (!share.empty() && std::filesystem::is_directory(beside, ec)) {
+        return WithTrailingSlash(beside);
+    }
+    return WithTrailingSlash(QV_COMMON_RES_DIR);
+}
+
+std::string ProgramShareDir() {
+    std::error_code ec;
+    const auto program = std::filesystem::read_symlink("/proc/self/exe", ec);
+    if (ec || program.empty()) {
+        return {};
+    }
+    return (program.parent_path().parent_path() / "share").string();
 }
 
 std::string PathJoin(std::string_view first, std::string_view second) {

@@ -102,7 +102,7 @@ TEST_F(SettingsCliTest, ReadOnlyFileFailsTheSet) {
     WriteSettings("元件类型:1\n");
     ::chmod(SettingFile().c_str(), 0444);
     std::string out;
-    EXPECT_EQ(Run("set labelSlotNo=false", &out), 1) << out;
+    EXPECT_EQ(Run("set labelSlotNo=false", &out), 7) << out;
     EXPECT_NE(out.find("read-only"), std::string::npos) << out;
     EXPECT_EQ(Run("set termSpacing=5", &out), 1) << out;
     EXPECT_NE(out.find("只读"), std::string::npos) << out;

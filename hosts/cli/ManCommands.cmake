@@ -1,0 +1,21 @@
+# Writes the COMMANDS section of the manual page from each command's own --help (the exit
+# codes, the same for every command, are left to the page's main text).
+#   cmake -DQVPLC=path/to/qvplc -DOUT=commands.h2m -P ManCommands.cmake
+set(commands "lib init" "lib tree" "lib show" "lib migrate" "draw" "settings show"
+    "settings set" "dxf info" "dxf convert" "dxf render")
+file(WRITE ${OUT} "[COMMANDS]\n")
+foreach(command ${commands})
+    separate_arguments(words UNIX_COMMAND "${command}")
+    execute_process(COMMAND ${QVPLC} ${words} --help OUTPUT_VARIABLE help RESULT_VARIABLE rc)
+    if(NOT rc EQUAL 0)
+        message(FATAL_ERROR "qvplc ${command} --help failed")
+    endif()
+    string(FIND "${help}" "\nExit codes:" cut)
+    if(cut GREATER 0)
+        string(SUBSTRING "${help}" 0 ${cut} help)
+    endif()
+    string(REPLACE "\\" "\\e" help "${help}")
+    string(REPLACE "-" "\\-" help "${help}")
+    string(REGEX REPLACE "(^|\n)([.'])" "\\1\\\\&\\2" help "${help}")
+    file(APPEND ${OUT} ".SS \"qvplc ${command}\"\n.nf\n${help}\n.fi\n")
+endforeach()
