@@ -140,25 +140,40 @@ std::vector<cad::Point3d> CellCorners(const cad::Point3d& c, double pitch, bool 
 }
 
 // Texts of a terminal in the frame styles: the number inside the body, the description
-// outside, both set off from the edge by the symbol's measured size.
-void FrameTexts(Side side, const cad::Point3d& edge, const cad::Vector3d& size, TextSpec& number,
-                TextSpec& desc) {
+// outside, both set off from the edge by the symbol's measured size. The whole module sets
+// them by their middle, the description on the upper and right sides hanging from its top;
+// the divided drawing centres every number on its point and hangs every description.
+void FrameTexts(Side side, const cad::Point3d& edge, const cad::Vector3d& size, bool divided,
+                TextSpec& number, TextSpec& desc) {
     const cad::Vector3d out = Outward(side);
     const bool vertical = IsVerticalSide(side);
     const double s = vertical ? std::max(size.x, size.y) : size.y;
     number.at = edge - out * (s + 0.8);
     desc.at = edge + out * (s + 0.5);
     number.rotation = desc.rotation = vertical ? kAngleMinus90 : kAngle90;
+    if (divided) {
+        number.horz = desc.horz = cad::TextHorz::Center;
+        number.vert = cad::TextVert::Middle;
+        desc.vert = cad::TextVert::Top;
+        return;
+    }
     desc.vert =
         (side == Side::Upper || side == Side::Right) ? cad::TextVert::Top : cad::TextVert::Baseline;
 }
 
+// The "up" of a cell text, whose baseline runs along the edge: +Y unrotated (horizontal
+// module), +X turned to 270 degrees (vertical module).
+cad::Vector3d CellTextUp(bool vertical) {
+    return vertical ? cad::Vector3d{1, 0, 0} : cad::Vector3d{0, 1, 0};
+}
+
 // Texts of a terminal in the cell style: the number in the middle of its cell. The symbol
-// stands outside the cell, so the description goes beyond the symbol's far end, set off by
-// its own height and hanging away from the body (top anchored on the upper and right
-// sides, bottom anchored on the lower and left ones).
-void CellTexts(Side side, const cad::Point3d& centre, const cad::Vector3d& size, TextSpec& number,
-               TextSpec& desc) {
+// stands outside the cell, so the description goes beyond the symbol's far end, half a unit
+// clear of it. It hangs from its top, except on the lower side of a whole horizontal module
+// where it stands on its bottom; its anchor is put so that the text's body lies wholly
+// beyond that clearance whichever way the body extends from the anchor.
+void CellTexts(Side side, const cad::Point3d& centre, const cad::Vector3d& size, bool divided,
+               TextSpec& number, TextSpec& desc) {
     const cad::Vector3d out = Outward(side);
     const bool vertical = IsVerticalSide(side);
     const double s = vertical ? size.x : size.y;
@@ -167,9 +182,13 @@ void CellTexts(Side side, const cad::Point3d& centre, const cad::Vector3d& size,
     number.vert = cad::TextVert::Middle;
     desc.height = 1.5;
     desc.color = 4;
-    desc.at = centre + out * (2.5 + s + 0.5 + desc.height);
-    desc.vert =
-        (side == Side::Upper || side == Side::Right) ? cad::TextVert::Top : cad::TextVert::Bottom;
+    desc.vert = (side == Side::Lower && !divided) ? cad::TextVert::Bottom : cad::TextVert::Top;
+    const cad::Vector3d up = CellTextUp(vertical);
+    const bool upIsOut = up.x * out.x + up.y * out.y > 0;
+    // A top-hung text's body runs down from its anchor, a bottom-set one's up.
+    const bool bodyRunsIn = (desc.vert == cad::TextVert::Top) == upIsOut;
+    const double clear = 2.5 + s + 0.5;
+    desc.at = centre + out * (bodyRunsIn ? clear + desc.height : clear);
     number.rotation = desc.rotation = vertical ? kAngle270 : 0.0;
 }
 
@@ -380,9 +399,9 @@ void DrawTerminal(DrawContext& ctx, int row, Side side, TermStyle style, const c
 
     TextSpec number, desc;
     if (style == TermStyle::Cell) {
-        CellTexts(side, at, size, number, desc);
+        CellTexts(side, at, size, ctx.divided, number, desc);
     } else {
-        FrameTexts(side, at, size, number, desc);
+        FrameTexts(side, at, size, ctx.divided, number, desc);
     }
     cad::Text* numberText = AddText(ctx, dlg.termList.Text(row, kColTermValue), number);
     cad::Point3d textPoint;
@@ -400,7 +419,7 @@ void DrawTerminal(DrawContext& ctx, int row, Side side, TermStyle style, const c
     Link(db, refHandle, kAppTermDescText, descHandle);
     Link(db, numberHandle, kAppTermText, refHandle);
     Link(db, numberHandle, kAppTermDescText, refHandle);
-    if (ctx.descBackLink) {
+    if (ctx.divided) {
         Link(db, descHandle, kAppTermDescText, refHandle);
     }
     Link(db, ctx.label, kAppLabel, refHandle);

@@ -73,7 +73,10 @@ struct DrawContext {
         cad::Vector3d low, high;
     };
     std::vector<SymbolFootprint> symbolFootprints;
-    bool descBackLink = false;  // the divided drawing links the description to its symbol
+    // The divided drawing: the description links back to its symbol, and every terminal's
+    // texts are centred (numbers vertically in the middle, descriptions hanging from the top)
+    // whatever the format and side.
+    bool divided = false;
 
     DrawContext(CDlgPlcRendal& d, cad::Database& target) : dlg(d), db(target) {}
     cad::Point3d At(double x, double y) const { return {origin.x + x, origin.y + y, origin.z}; }

@@ -80,6 +80,54 @@ TEST(DrawingDxf, DividedPiecesReadBackLinkedWithTheDescriptionBackLink) {
     EXPECT_EQ(lines[0], "INSERT=4 LWPOLYLINE=8 MTEXT=2 TEXT=8 links=" + std::to_string(links));
 }
 
+// Every terminal text and both header texts of every format, orientation and drawing kind,
+// read back by ezdxf and judged by the alignment rules (tests/draw/check_text_alignment.py).
+// Each text starts with the side it belongs to.
+TEST(DrawingDxf, EveryTextStandsWhereTheAlignmentRulesPutIt) {
+    for (const bool divided : {false, true}) {
+        for (int type = 1; type <= 3; ++type) {
+            for (int orientation = 0; orientation <= 1; ++orientation) {
+                const std::string mode = divided ? "divided" : "whole";
+                SCOPED_TRACE(mode + " format " + std::to_string(type) + " orientation " +
+                             std::to_string(orientation));
+                const std::string first = orientation == 0 ? "上" : "右";
+                const std::string second = orientation == 0 ? "下" : "左";
+                std::vector<Row> rows;
+                for (int i = 0; i < 3; ++i) {
+                    rows.push_back({first + std::to_string(i), first + "描述" + std::to_string(i),
+                                    "向" + first});
+                }
+                for (int i = 0; i < 2; ++i) {
+                    rows.push_back({second + std::to_string(i), second + "描述" + std::to_string(i),
+                                    "向" + second});
+                }
+                DrawingEnvironment env;
+                auto dlg = env.MakeDialog(type, orientation, rows);
+                const auto along = [orientation](double x0, double y0, double d) {
+                    return orientation == 0 ? cad::Point3d{x0 + d, y0, 0}
+                                            : cad::Point3d{x0, y0 - d, 0};
+                };
+                if (divided) {
+                    // Two pieces: two places each (36 long), the second holds the last one.
+                    env.host.pointAnswers = {{InputStatus::Normal, {40, 30, 0}},
+                                             {InputStatus::Normal, along(40, 30, 36)},
+                                             {InputStatus::Normal, {200, 30, 0}},
+                                             {InputStatus::Normal, along(200, 30, 36)}};
+                    ASSERT_TRUE(DrawDivided(*dlg, env.drawing));
+                } else {
+                    env.host.pointAnswers = {{InputStatus::Normal, {40, 30, 0}}};
+                    ASSERT_TRUE(DrawFullSheet(*dlg, env.drawing));
+                }
+                const auto file = env.LocalDir() / "aligned.dxf";
+                cad::WriteDxfFile(env.drawing, file.string(), cad::DxfVersion::R2010);
+                const std::string args = file.string() + " " + std::to_string(type) + " " +
+                                         std::to_string(orientation) + " " + mode + " 40 30";
+                EXPECT_EQ(RunPythonCheck("check_text_alignment.py", args), "checked 10 texts\n");
+            }
+        }
+    }
+}
+
 TEST(DrawingDxf, TextsComeBackAsTypedInEverySaveFormat) {
     DrawingEnvironment env;
     std::vector<Row> rows = {{"1\\2", "反斜杠\\和{括号}", "向上"},
