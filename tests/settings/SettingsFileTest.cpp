@@ -243,6 +243,15 @@ TEST_F(SettingsFileTest, OutOfRangeValuesAreWarnedAboutAndReplacedByDefaults) {
     EXPECT_EQ(s.detailModelType, 0);
     EXPECT_EQ(recorder.messages.size(), 2u);
 
+    // A symbol name is also a file name in SYMB2LIB and may not leave it.
+    recorder.messages.clear();
+    WriteSettings("元件类型:2\n端子B名称:../../etc/passwd\n");
+    s = Loaded();
+    EXPECT_EQ(s.termSymbolName, "SYMB2_S_KTR17");
+    EXPECT_EQ(s.termSymbolPath, drawsettings::SymbolPathFor("SYMB2_S_KTR17"));
+    ASSERT_EQ(recorder.messages.size(), 1u);
+    EXPECT_NE(recorder.messages[0].text.find("termSymbolName=../../etc/passwd"), std::string::npos);
+
     recorder.messages.clear();
     WriteSettings("元件类型:1\n端子间隔距离:0.1\n类型A宽度:1000000\n端子A长度:0\n端子A方向:\n");
     s = Loaded();

@@ -84,12 +84,22 @@ void LoadFormat(PlcDrawSettings& settings, const std::vector<std::string>& lines
                 std::set<std::string>* fromFile) {
     const drawsettings::FormatLabels& labels = drawsettings::LabelsOf(settings.componentType);
     const std::string path = FindLabelValue(lines, labels.path);
-    const std::string name = FindLabelValue(lines, labels.name);
+    std::string name = FindLabelValue(lines, labels.name);
     std::string direction = FindLabelValue(lines, labels.direction);
     std::string width = FindLabelValue(lines, labels.width);
     std::string length = FindLabelValue(lines, labels.length);
     settings.termSymbolPath = drawsettings::ResolveStoredSymbolPath(path);
     settings.termSymbolName = name;
+    // The name also names the symbol's drawing, SYMB2LIB/<name>: it must stay in that folder.
+    if (!name.empty() && !drawsettings::IsPlainSymbolName(name)) {
+        drawsettings::WarnOutOfRange(PlcDrawSettingFilePath(),
+                                     *drawsettings::FindSettingRange("termSymbolName"), name);
+        const drawsettings::FormatTerminal fallback =
+            drawsettings::DefaultFormatTerminal(settings.componentType);
+        settings.termSymbolName = fallback.name;
+        settings.termSymbolPath = fallback.path;
+        name.clear();
+    }
     settings.termDirection = drawsettings::ParseInt(direction);
     CheckLoaded(settings.termDirection, settings.termDirection, "termDirection", direction);
     const double widthRead = drawsettings::ParseReal(width);
