@@ -59,6 +59,7 @@ cad::Text* AddText(DrawContext& ctx, const std::string& content, const TextSpec&
     text->vertical = style.vert;
     text->color = static_cast<std::int16_t>(style.color);
     text->layer = ctx.layer;
+    text->style = ctx.textStyle;
     text->SetAnchor(ctx.At(style.at.x, style.at.y));
     cad::Text* raw = text.get();
     ctx.db.Append(std::move(text));
@@ -74,6 +75,7 @@ cad::MText* AddMText(DrawContext& ctx, const std::string& content, const cad::Po
     mtext->attachment = attachment;
     mtext->rotation = rotation;
     mtext->layer = ctx.layer;
+    mtext->style = ctx.textStyle;
     cad::MText* raw = mtext.get();
     ctx.db.Append(std::move(mtext));
     return raw;
@@ -321,10 +323,29 @@ TermStyle TermStyleFor(int componentType) {
     return componentType == 3 ? TermStyle::Cell : TermStyle::Frame;
 }
 
+// The module's text style: named so that LibreCAD, which draws a text with the stroke font
+// named like its style, finds qvcjk.lff; its font files are the configured ones.
+static cad::Handle ModuleTextStyle(cad::Database& db, const AworkSettings& settings) {
+    cad::Handle style = db.FindTextStyle(kTextStyleName);
+    if (style == cad::kNullHandle) {
+        return db.AddTextStyle(kTextStyleName, settings.textFont, settings.bigFont);
+    }
+    if (cad::TextStyleRecord* record = db.TextStyle(style)) {
+        record->font = settings.textFont;
+        record->bigFont = settings.bigFont;
+    }
+    return style;
+}
+
 bool OpenDrawContext(DrawContext& ctx) {
-    ctx.labelHeight = LoadAworkSettings(AworkFilePath()).labelHeight;
+    const AworkSettings awork = LoadAworkSettings(AworkFilePath());
+    ctx.labelHeight = awork.labelHeight;
     ctx.layer = cadutil::LayerIdByName(ctx.db, "DIM");
-    return ctx.db.TextStyle(ctx.db.CurrentTextStyle()) != nullptr;
+    if (ctx.db.TextStyle(ctx.db.CurrentTextStyle()) == nullptr) {
+        return false;
+    }
+    ctx.textStyle = ModuleTextStyle(ctx.db, awork);
+    return true;
 }
 
 void DrawHeader(DrawContext& ctx, bool detailLinks) {
