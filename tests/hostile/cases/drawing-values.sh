@@ -97,4 +97,12 @@ for value in nan inf 1e309 -5 0; do
         echo "ok drawing-file-drawn-$value"
     fi
 done
+# The values of a format chosen with --format are checked the same way.
+ZANDRIX_LOCAL_DIR=$(new_local format-b)
+settings="$ZANDRIX_LOCAL_DIR/LocalData/PlcDrawSetting.dat"
+printf '元件类型:1\n端子B名称:SYMB2_S_KTR17\n类型B宽度:0\n端子B长度:1e309\n端子B方向:7\n' >"$settings"
+expect drawing-format-b-width-0 0 "$settings: typeWidth=0 is outside its range" "$settings" -- \
+    draw "$MODULE" --tag K3 --format 2 --at 0,0 --drawing "$ZANDRIX_LOCAL_DIR/out.dxf"
+expect drawing-format-b-direction-7 0 "termDirection=7 is outside its range" "$settings" -- \
+    draw "$MODULE" --tag K4 --format 2 --at 0,50 --drawing "$ZANDRIX_LOCAL_DIR/out.dxf"
 exit 0
