@@ -118,11 +118,14 @@ bool UsageError(const std::string& message) {
 
 // A whole text as one number (strtod's forms, "inf", "nan" and overflowing ones included, so
 // that they can be refused by range rather than by form).
-bool ParseNumber(const std::string& text, double& value) {
+bool ParseNumber(std::string text, double& value) {
+    const auto first = text.find_first_not_of(" \t");
+    const auto last = text.find_last_not_of(" \t");
+    text = first == std::string::npos ? std::string() : text.substr(first, last - first + 1);
     const char* begin = text.c_str();
     char* end = nullptr;
     value = std::strtod(begin, &end);
-    return end != begin && *end == '\0' && !std::isspace(static_cast<unsigned char>(text[0]));
+    return !text.empty() && end == begin + text.size();
 }
 
 // X,Y with both numbers in the drawing's coordinate range; `outOfRange` tells a point of
