@@ -13,7 +13,8 @@ packages=(build-essential cmake ninja-build pkg-config ccache
           libgtest-dev libgmock-dev libbenchmark-dev
           libsqlite3-dev sqlite3 mdbtools mdbtools-dev
           libcairo2-dev fonts-wqy-microhei
-          python3 python3-ezdxf gettext help2man)
+          python3 python3-ezdxf python3-fonttools gettext help2man
+          librecad poppler-utils)
 
 install_packages() {
     local missing=()

@@ -2,6 +2,10 @@
 // a user goes in the CAD host: the plug-in is loaded, PLCRENDAL opens the drawing dialog,
 // the module is selected in the dialog's tree, the edits are filled, a draw button is pressed,
 // and the host then runs the queued RENDALFULL or DIVRENDAL with the points of the options.
+#include <cerrno>
+#include <climits>
+#include <cmath>
+#include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
 #include <filesystem>
@@ -15,12 +19,14 @@
 #include "Commands.h"
 #include "ExitCodes.h"
 #include "LibraryCheck.h"
-#include "PiecesAdvice.h"
 #include "app/PlcRendalApp.h"
 #include "app/PlcRendalMain.h"
 #include "cad/Dxf.h"
+#include "cad/Limits.h"
 #include "cad/render/Render.h"
 #include "draw/DlgPlcRendal.h"
+#include "draw/ModuleParts.h"
+#include "draw/settings/SettingRanges.h"
 #include "draw/settings/SettingsFile.h"
 #include "host/SuiteServices.h"
 
@@ -52,10 +58,13 @@ const CommandSpec kDrawSpec{
       "drawing format 1, 2 or 3 with that format's terminal from the settings (default: the "
       "format in use)"},
      {"symbol", "NAME", "terminal symbol NAME from the common folder's SYMB2LIB/NAME.dxf"},
-     {"terminals", "LIST", "the terminals to draw by 端点序号, e.g. 1-8,11 (default: all)"},
+     {"terminals", "LIST",
+      "the terminals to draw by 端点序号, e.g. 1-8,11 (default: all); every number and range "
+      "must lie within the module's terminals"},
      {"pattern", "ID", "direction pattern 101..106 of the terminal list's menu"},
      {"at", "X,Y", "draw the whole module with its origin at X,Y"},
-     {"pieces", "X0,Y0:X1,Y1", "one piece from X0,Y0 to X1,Y1; repeat for more pieces", true},
+     {"pieces", "X0,Y0:X1,Y1",
+      "one piece from X0,Y0 to X1,Y1; repeat the option for each further piece", true},
      {"drawing", "FILE.dxf", "the drawing to create or add to"},
      {"save-format", "N",
       "the host's save format: 8 R14, 12 2000, 24 2004, 36 2007, 48 2010 (default 48)"},
@@ -70,8 +79,11 @@ const CommandSpec kDrawSpec{
     "      --at 100,200 --drawing cabinet.dxf --png cabinet.png\n"
     "  qvplc draw 'Maker/Series A/DI/DI-16' --tag A2 --vertical --pattern 105 \\\n"
     "      --pieces 0,0:0,-60 --pieces 50,0:50,-120 --drawing cabinet.dxf\n\n"
-    "A piece shorter than twice the terminal spacing plus 5 is refused; when the module\n"
-    "needs more pieces than given, nothing is written and the exit code is 4.\n"};
+    "Coordinates are finite numbers at most 1e100 from zero. A piece must be longer than\n"
+    "twice the terminal spacing plus 5 along the module's axis (X, or down -Y when vertical);\n"
+    "a piece of length L holds (L - spacing) / spacing terminals per side. When the module\n"
+    "needs more pieces than given, nothing is written, the message says how many more, and\n"
+    "the exit code is 4.\n"};
 
 struct DrawRequest {
     std::string manufacturer, series, type, code;
@@ -80,10 +92,12 @@ struct DrawRequest {
     bool vertical = false;
     int format = 0;
     std::string symbol;
-    std::set<int> terminals;  // by sequence; empty = all
+    std::vector<std::pair<int, int>> terminals;  // ranges of sequence numbers; empty = all
+    std::string terminalsText;
     int pattern = 0;
     bool divided = false;
-    std::vector<cad::Point3d> points;  // in the order the drawing asks for them
+    std::vector<cad::Point3d> points;     // in the order the drawing asks for them
+    std::vector<std::string> piecesText;  // each --pieces as given
     std::string drawing, png;
     std::string saveFormat = "48";
 };
@@ -93,11 +107,40 @@ bool UsageError(const std::string& message) {
     return false;
 }
 
-bool ParsePoint(const std::string& text, cad::Point3d& point) {
-    std::istringstream in(text);
-    char comma = 0;
+// A usage error from one message text with printf fields.
+[[gnu::format(printf, 1, 2)]] bool UsageErrorF(const char* format, ...) {
+    char message[1024];
+    va_list args;
+    va_start(args, format);
+    std::vsnprintf(message, sizeof message, format, args);
+    va_end(args);
+    return UsageError(message);
+}
+
+// A whole text as one number (strtod's forms, "inf", "nan" and overflowing ones included, so
+// that they can be refused by range rather than by form).
+bool ParseNumber(std::string text, double& value) {
+    const auto first = text.find_first_not_of(" \t");
+    const auto last = text.find_last_not_of(" \t");
+    text = first == std::string::npos ? std::string() : text.substr(first, last - first + 1);
+    const char* begin = text.c_str();
+    char* end = nullptr;
+    value = std::strtod(begin, &end);
+    return !text.empty() && end == begin + text.size();
+}
+
+// X,Y with both numbers in the drawing's coordinate range; `outOfRange` tells a point of
+// numbers outside it from text that is no point.
+bool ParsePoint(const std::string& text, cad::Point3d& point, bool& outOfRange) {
+    outOfRange = false;
+    const auto comma = text.find(',');
     double x = 0, y = 0;
-    if (!(in >> x >> comma >> y) || comma != ',' || !(in >> std::ws).eof()) {
+    if (comma == std::string::npos || !ParseNumber(text.substr(0, comma), x) ||
+        !ParseNumber(text.substr(comma + 1), y)) {
+        return false;
+    }
+    if (!cad::InCoordinateRange(x) || !cad::InCoordinateRange(y)) {
+        outOfRange = true;
         return false;
     }
     point = cad::Point3d{x, y, 0};
@@ -106,16 +149,17 @@ bool ParsePoint(const std::string& text, cad::Point3d& point) {
 
 bool ParseInt(const std::string& text, int& value) {
     char* end = nullptr;
+    errno = 0;
     const long parsed = std::strtol(text.c_str(), &end, 10);
-    if (text.empty() || *end != '\0') {
+    if (text.empty() || *end != '\0' || errno == ERANGE || parsed < INT_MIN || parsed > INT_MAX) {
         return false;
     }
     value = static_cast<int>(parsed);
     return true;
 }
 
-// "1-8,11" -> {1..8, 11}
-bool ParseTerminals(const std::string& text, std::set<int>& terminals) {
+// "1-8,11" -> ranges {1, 8}, {11, 11}; kept as ranges so that a huge range costs nothing.
+bool ParseTerminals(const std::string& text, std::vector<std::pair<int, int>>& terminals) {
     std::istringstream in(text);
     std::string item;
     while (std::getline(in, item, ',')) {
@@ -130,11 +174,31 @@ bool ParseTerminals(const std::string& text, std::set<int>& terminals) {
                    !ParseInt(item.substr(dash + 1), last) || last < first) {
             return false;
         }
-        for (int i = first; i <= last; ++i) {
-            terminals.insert(i);
-        }
+        terminals.emplace_back(first, last);
     }
     return !terminals.empty();
+}
+
+bool Chosen(const std::vector<std::pair<int, int>>& ranges, int sequence) {
+    for (const auto& [first, last] : ranges) {
+        if (sequence >= first && sequence <= last) {
+            return true;
+        }
+    }
+    return false;
+}
+
+// The first number of a range that names no terminal of the module, if any. Linear in the
+// module's rows whatever the range's size.
+std::optional<long long> FirstMissing(const std::set<int>& sequences, int first, int last) {
+    long long expected = first;
+    for (auto it = sequences.lower_bound(first); it != sequences.end() && *it <= last; ++it) {
+        if (*it != expected) {
+            return expected;
+        }
+        ++expected;
+    }
+    return expected <= last ? std::optional<long long>(expected) : std::nullopt;
 }
 
 bool SplitModule(const std::string& path, DrawRequest& request) {
@@ -160,7 +224,12 @@ bool ParsePlacement(const ParsedArgs& args, DrawRequest& request) {
     }
     if (const auto at = args.Value("at")) {
         cad::Point3d point;
-        if (!ParsePoint(*at, point)) {
+        bool outOfRange = false;
+        if (!ParsePoint(*at, point, outOfRange)) {
+            if (outOfRange) {
+                return UsageErrorF(
+                    "--at %s: coordinates must be finite and at most 1e100 from zero", at->c_str());
+            }
             return UsageError("--at takes X,Y, not '" + *at + "'");
         }
         request.points.push_back(point);
@@ -170,12 +239,19 @@ bool ParsePlacement(const ParsedArgs& args, DrawRequest& request) {
     for (const std::string& piece : args.Values("pieces")) {
         const auto colon = piece.find(':');
         cad::Point3d start, end;
-        if (colon == std::string::npos || !ParsePoint(piece.substr(0, colon), start) ||
-            !ParsePoint(piece.substr(colon + 1), end)) {
+        bool startOut = false, endOut = false;
+        if (colon == std::string::npos || !ParsePoint(piece.substr(0, colon), start, startOut) ||
+            !ParsePoint(piece.substr(colon + 1), end, endOut)) {
+            if (startOut || endOut) {
+                return UsageErrorF(
+                    "--pieces %s: coordinates must be finite and at most 1e100 from zero",
+                    piece.c_str());
+            }
             return UsageError("--pieces takes X0,Y0:X1,Y1, not '" + piece + "'");
         }
         request.points.push_back(start);
         request.points.push_back(end);
+        request.piecesText.push_back(piece);
     }
     return true;
 }
@@ -190,6 +266,15 @@ bool ParseOptions(const ParsedArgs& args, DrawRequest& request) {
     request.drawing = args.Value("drawing").value_or("");
     request.png = args.Value("png").value_or("");
     request.saveFormat = args.Value("save-format").value_or("48");
+    if (const std::set<std::string> formats = {"8", "12", "24", "36", "48"};
+        !formats.count(request.saveFormat)) {
+        return UsageErrorF("--save-format takes 8, 12, 24, 36 or 48, not '%s'",
+                           request.saveFormat.c_str());
+    }
+    if (args.Has("symbol") && !drawsettings::IsPlainSymbolName(request.symbol)) {
+        return UsageErrorF("--symbol takes the name of a symbol in SYMB2LIB, without '/', not '%s'",
+                           request.symbol.c_str());
+    }
     if (!args.Has("tag")) {
         return UsageError("--tag is required");
     }
@@ -206,10 +291,12 @@ bool ParseOptions(const ParsedArgs& args, DrawRequest& request) {
                     request.pattern > kMenuHalfSecond)) {
         return UsageError("--pattern takes 101 to 106, not '" + *pattern + "'");
     }
-    if (const auto list = args.Value("terminals");
-        list && !ParseTerminals(*list, request.terminals)) {
-        return UsageError("--terminals takes sequence numbers and ranges like 1-8,11, not '" +
-                          *list + "'");
+    if (const auto list = args.Value("terminals"); list) {
+        request.terminalsText = *list;
+        if (!ParseTerminals(*list, request.terminals)) {
+            return UsageError("--terminals takes sequence numbers and ranges like 1-8,11, not '" +
+                              *list + "'");
+        }
     }
     return ParsePlacement(args, request);
 }
@@ -241,7 +328,8 @@ void DescribeDrawing(CliHost& host, const std::string& path) {
 void UseFormat(CDlgPlcRendal& dlg, int format) {
     const auto lines = drawsettings::ReadSettingLines();
     const auto terminals = drawsettings::LoadFormatTerminals(lines ? &*lines : nullptr);
-    const drawsettings::FormatTerminal& terminal = terminals[format - 1];
+    drawsettings::FormatTerminal terminal = terminals[format - 1];
+    drawsettings::CheckFormatTerminal(terminal, format);
     dlg.componentType = format;
     dlg.termSymbolName = terminal.name;
     dlg.termSymbolPath = drawsettings::SymbolPathFor(terminal.name);
@@ -268,14 +356,21 @@ bool FillDialog(CDlgPlcRendal& dlg, const DrawRequest& request) {
     for (int row = 0; row < dlg.termList.Count(); ++row) {
         int sequence = 0;
         ParseInt(dlg.termList.Text(row, kColSequence), sequence);
-        const bool chosen = request.terminals.empty() || request.terminals.count(sequence) > 0;
+        const bool chosen = request.terminals.empty() || Chosen(request.terminals, sequence);
         dlg.termList.SetStateImage(row, chosen ? kMarkOn : kMarkOff);
         seen.insert(sequence);
     }
-    for (int wanted : request.terminals) {
-        if (seen.count(wanted) == 0) {
-            std::fprintf(stderr, "qvplc draw: module %s has no terminal with sequence %d\n",
-                         request.code.c_str(), wanted);
+    // A number or range naming a terminal the module does not have is refused, so that a
+    // typing slip never draws a module short of what was asked.
+    for (const auto& [first, last] : request.terminals) {
+        if (const auto missing = FirstMissing(seen, first, last)) {
+            const int lowest = seen.empty() ? 0 : *seen.begin();
+            const int highest = seen.empty() ? 0 : *seen.rbegin();
+            std::fprintf(stderr,
+                         "qvplc draw: --terminals %s: module %s has no terminal with sequence "
+                         "%lld (its terminals are numbered %d to %d)\n",
+                         request.terminalsText.c_str(), request.code.c_str(), *missing, lowest,
+                         highest);
             return false;
         }
     }
@@ -315,6 +410,59 @@ bool SaveDrawing(const cad::Database& db, const DrawRequest& request) {
     return true;
 }
 
+// A piece's length along the module's axis: X, or down -Y on a vertical module.
+double PieceLength(const CDlgPlcRendal& dlg, const cad::Point3d& start, const cad::Point3d& end) {
+    return dlg.orientation != 0 ? start.y - end.y : end.x - start.x;
+}
+
+// Terminal places per side in a piece of `length`, as the divided drawing counts them.
+long long PiecePlaces(double length, double spacing) {
+    const double k = std::floor((length - spacing) / spacing);
+    return k < 1 ? 0 : static_cast<long long>(std::min(k, 1e15));
+}
+
+// Every piece must be long enough to hold a terminal; the drawing would ask for another end
+// point otherwise. False after a usage error naming the piece.
+bool CheckPieceLengths(const CDlgPlcRendal& dlg, const DrawRequest& request) {
+    const double p = dlg.termSpacing, minimum = 2.0 * p + 5.0;
+    for (std::size_t i = 0; i + 1 < request.points.size(); i += 2) {
+        const double length = PieceLength(dlg, request.points[i], request.points[i + 1]);
+        if (!(length > minimum)) {
+            const std::string piece = request.piecesText[i / 2];
+            return UsageErrorF(
+                "--pieces %s: piece %zu is %g long along the module's axis (%s); it must be "
+                "longer than %g, twice the terminal spacing %g plus 5",
+                piece.c_str(), i / 2 + 1, length, dlg.orientation != 0 ? "down -Y" : "along X",
+                minimum, p);
+        }
+    }
+    return true;
+}
+
+// Says how many pieces the module needs when the given ones ran out before its terminals.
+void ReportMissingPieces(const CDlgPlcRendal& dlg, const DrawRequest& request) {
+    const draw::TermLists lists = draw::CollectDividedTerminals(dlg.termList);
+    const long long longest =
+        static_cast<long long>(std::max(lists.first.size(), lists.second.size()));
+    const std::size_t given = request.points.size() / 2;
+    long long held = 0, last = 0;
+    for (std::size_t i = 0; i + 1 < request.points.size(); i += 2) {
+        last = PiecePlaces(PieceLength(dlg, request.points[i], request.points[i + 1]),
+                           dlg.termSpacing);
+        held += last;
+    }
+    const long long remaining = std::max(longest - held, 1LL);
+    const long long more = last > 0 ? (remaining + last - 1) / last : 1;
+    std::fprintf(
+        stderr,
+        "qvplc draw: module %s has %lld terminals on its longer side and the "
+        "pieces given (%zu) hold %lld; pieces as long as the last one hold %lld each, so it "
+        "needs %lld more, %lld in all. Give one --pieces option per piece: --pieces "
+        "X0,Y0:X1,Y1 --pieces X0,Y0:X1,Y1 ...; nothing was written\n",
+        request.code.c_str(), longest, given, held, last, more,
+        static_cast<long long>(given) + more);
+}
+
 // Loads the plug-in, draws through the dialog and the queued command; the exit code.
 int DrawThroughDialog(const DrawRequest& request, CliHost& host, cad::Database& db) {
     app::CPlcRendalApp plugin;
@@ -329,6 +477,11 @@ int DrawThroughDialog(const DrawRequest& request, CliHost& host, cad::Database& 
             exitCode = code;
         }
     } else if (FillDialog(*dlg, request)) {
+        if (request.divided && !CheckPieceLengths(*dlg, request)) {
+            plugin.EntryPoint(app::AppMessage::UnloadApplication);
+            host.database = nullptr;
+            return kExitUsage;
+        }
         host.points.assign(request.points.begin(), request.points.end());
         request.divided ? dlg->OnDrawDivided() : dlg->OnDrawFull();
         if (dlg->drawPending) {
@@ -338,11 +491,12 @@ int DrawThroughDialog(const DrawRequest& request, CliHost& host, cad::Database& 
     }
     if (host.declined) {
         if (request.divided && dlg != nullptr) {
-            ExplainMissingPieces(*dlg, request.points);
+            ReportMissingPieces(*dlg, request);
+        } else {
+            std::fprintf(stderr,
+                         "qvplc draw: the drawing asked for more points than the options "
+                         "give; nothing was written\n");
         }
-        std::fprintf(stderr,
-                     "qvplc draw: the drawing asked for more points than the options "
-                     "give; nothing was written\n");
         exitCode = kExitCancelled;
     }
     plugin.EntryPoint(app::AppMessage::UnloadApplication);
@@ -363,6 +517,15 @@ int RunDraw(const Arguments& args, CliHost& host) {
     }
     DrawRequest request;
     if (parsed->positional.size() != 1) {
+        for (std::size_t i = 1; i < parsed->positional.size(); ++i) {
+            if (parsed->positional[i].find(':') != std::string::npos) {
+                UsageErrorF(
+                    "'%s' looks like a piece: each piece takes its own option, "
+                    "--pieces X0,Y0:X1,Y1 --pieces X0,Y0:X1,Y1 ...",
+                    parsed->positional[i].c_str());
+                return kExitUsage;
+            }
+        }
         UsageError("name exactly one module: MANUFACTURER/SERIES/TYPE/CODE");
         return kExitUsage;
     }

@@ -13,6 +13,7 @@
 #include "Commands.h"
 #include "ExitCodes.h"
 #include "draw/settings/PLCSettingSheetDlg.h"
+#include "draw/settings/SettingRanges.h"
 #include "draw/settings/SettingsFile.h"
 #include "draw/settings/SettingsText.h"
 
@@ -89,8 +90,8 @@ const CommandSpec kSetSpec{
     "  termSymbolName=NAME         terminal symbol of that format: SYMB2LIB/NAME.dxf in the\n"
     "                              common resource folder; its direction and lead length are\n"
     "                              measured from the drawing\n"
-    "  typeWidth=W                 frame width of that format, a real number not below 0\n"
-    "  termSpacing=S               distance between terminals (all formats), a real number\n"
+    "  typeWidth=W                 frame width of that format, a real number above 0\n"
+    "  termSpacing=S               distance between terminals (all formats), above 0\n"
     "  labelManufacturer, labelModuleDesc, labelModuleCode, labelFrameNo, labelSlotNo,\n"
     "  labelManufacturerPrefix, labelModuleDescPrefix, labelModuleCodePrefix,\n"
     "  labelFramePrefix, labelSlotPrefix, autoDetail, autoDetailModel=true|false\n"
@@ -156,17 +157,22 @@ std::string CheckValue(const KeyInfo& key, const std::string& value) {
         case KeyKind::AutoModel:
             return ParseBool(value, flag) ? "" : "must be true or false";
         case KeyKind::Width:
-            return drawsettings::IsUnsignedRealText(drawsettings::RemoveBlanks(value))
+        case KeyKind::Spacing: {
+            const std::string text =
+                key.kind == KeyKind::Width ? drawsettings::RemoveBlanks(value) : value;
+            const drawsettings::SettingRange& range = *drawsettings::FindSettingRange(key.name);
+            return drawsettings::IsUnsignedRealText(text) &&
+                           drawsettings::InSettingRange(range, drawsettings::ParseReal(text))
                        ? ""
-                       : "must be a real number not below 0";
-        case KeyKind::Spacing:
-            return drawsettings::IsUnsignedRealText(value) ? ""
-                                                           : "must be a real number not below 0";
+                       : "must be a real number " + drawsettings::SettingRangeText(range);
+        }
         case KeyKind::Symbol: {
+            if (!drawsettings::IsPlainSymbolName(value)) {
+                return "must be a file name in SYMB2LIB, without '/'";
+            }
             const std::string path = drawsettings::SymbolPathFor(value);
             std::error_code ec;
-            if (value.empty() || value.find('/') != std::string::npos ||
-                !std::filesystem::is_regular_file(path, ec)) {
+            if (!std::filesystem::is_regular_file(path, ec)) {
                 return "names no symbol drawing (" + path + ")";
             }
             return "";
@@ -334,6 +340,8 @@ int RunSet(const Arguments& args) {
     }
     if (parsed->help) {
         std::fputs(HelpText(kSetSpec).c_str(), stdout);
+        std::fputs("\nEvery setting, its kind and its valid range:\n", stdout);
+        std::fputs(drawsettings::SettingRangeTable().c_str(), stdout);
         return kExitOk;
     }
     Changes changes;
@@ -368,6 +376,10 @@ int RunSet(const Arguments& args) {
 int RunSettings(const Arguments& args, CliHost& host) {
     if (args.empty() || args[0] == "--help" || args[0] == "-h") {
         std::fputs(kGroupHelp, args.empty() ? stderr : stdout);
+        if (!args.empty()) {
+            std::fputs("\nEvery setting, its kind and its valid range:\n", stdout);
+            std::fputs(drawsettings::SettingRangeTable().c_str(), stdout);
+        }
         return args.empty() ? kExitUsage : kExitOk;
     }
     const Arguments rest(args.begin() + 1, args.end());

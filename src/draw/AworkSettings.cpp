@@ -22,10 +22,38 @@ bool ParsePositive(std::string_view text, double& value) {
     if (ec != std::errc() || end != text.data() + text.size()) {
         return false;
     }
-    if (!std::isfinite(parsed) || parsed <= 0) {
+    if (!std::isfinite(parsed) || parsed <= 0 || parsed > kMaxLabelHeight) {
         return false;
     }
     value = parsed;
+    return true;
+}
+
+std::string_view TrimBlanks(std::string_view text) {
+    while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && (text.back() == ' ' || text.back() == '\t' || text.back() == '\r')) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+bool IsFontName(std::string_view name) {
+    return !name.empty() && name.find_first_of("/\\,") == std::string_view::npos;
+}
+
+// "FONT" or "FONT,BIGFONT"; false (settings untouched) for anything else.
+bool ParseTextFont(std::string_view text, AworkSettings& settings) {
+    const auto comma = text.find(',');
+    const std::string_view font = TrimBlanks(text.substr(0, comma));
+    const std::string_view big =
+        comma == std::string_view::npos ? std::string_view{} : TrimBlanks(text.substr(comma + 1));
+    if (!IsFontName(font) || (comma != std::string_view::npos && !IsFontName(big))) {
+        return false;
+    }
+    settings.textFont = std::string(font);
+    settings.bigFont = std::string(big);
     return true;
 }
 
@@ -37,16 +65,19 @@ std::string AworkFilePath() {
 
 AworkSettings ParseAworkSettings(const std::vector<std::string>& lines) {
     AworkSettings settings;
+    bool heightSeen = false, fontSeen = false;
     for (const std::string& line : lines) {
-        const auto at = line.find(kLabelHeightKey);
-        if (at == std::string::npos) {
-            continue;
+        if (const auto at = line.find(kLabelHeightKey); at != std::string::npos && !heightSeen) {
+            heightSeen = true;
+            double height = 0;
+            if (ParsePositive(std::string_view(line).substr(at + kLabelHeightKey.size()), height)) {
+                settings.labelHeight = height;
+            }
+        } else if (const auto font = line.find(kTextFontKey);
+                   font != std::string::npos && !fontSeen) {
+            fontSeen = true;
+            ParseTextFont(std::string_view(line).substr(font + kTextFontKey.size()), settings);
         }
-        double height = 0;
-        if (ParsePositive(std::string_view(line).substr(at + kLabelHeightKey.size()), height)) {
-            settings.labelHeight = height;
-        }
-        break;
     }
     return settings;
 }
@@ -63,7 +94,12 @@ std::string FormatAworkSettings(const AworkSettings& settings) {
     // to_chars writes the C locale's decimal point whatever the process locale is.
     char value[64];
     const auto result = std::to_chars(value, value + sizeof value, settings.labelHeight);
-    return std::string(kLabelHeightKey) + std::string(value, result.ptr) + "\n";
+    std::string font = settings.textFont;
+    if (!settings.bigFont.empty()) {
+        font += "," + settings.bigFont;
+    }
+    return std::string(kLabelHeightKey) + std::string(value, result.ptr) + "\n" +
+           std::string(kTextFontKey) + font + "\n";
 }
 
 }  // namespace draw

@@ -169,7 +169,7 @@ bool DrawPiece(DrawContext& ctx, DividedState& state, bool& cancelled) {
 bool DrawDivided(CDlgPlcRendal& dlg, cad::Database& db) {
     draw::DrawingSession session(dlg);
     draw::DrawContext ctx(dlg, db);
-    ctx.descBackLink = true;
+    ctx.divided = true;
     draw::DividedState state;
     state.lists = draw::CollectDividedTerminals(dlg.termList);
     if (!draw::OpenDrawContext(ctx) || !draw::LoadSymbolBlock(ctx)) {

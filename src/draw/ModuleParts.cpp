@@ -59,6 +59,7 @@ cad::Text* AddText(DrawContext& ctx, const std::string& content, const TextSpec&
     text->vertical = style.vert;
     text->color = static_cast<std::int16_t>(style.color);
     text->layer = ctx.layer;
+    text->style = ctx.textStyle;
     text->SetAnchor(ctx.At(style.at.x, style.at.y));
     cad::Text* raw = text.get();
     ctx.db.Append(std::move(text));
@@ -74,6 +75,7 @@ cad::MText* AddMText(DrawContext& ctx, const std::string& content, const cad::Po
     mtext->attachment = attachment;
     mtext->rotation = rotation;
     mtext->layer = ctx.layer;
+    mtext->style = ctx.textStyle;
     cad::MText* raw = mtext.get();
     ctx.db.Append(std::move(mtext));
     return raw;
@@ -140,25 +142,40 @@ std::vector<cad::Point3d> CellCorners(const cad::Point3d& c, double pitch, bool 
 }
 
 // Texts of a terminal in the frame styles: the number inside the body, the description
-// outside, both set off from the edge by the symbol's measured size.
-void FrameTexts(Side side, const cad::Point3d& edge, const cad::Vector3d& size, TextSpec& number,
-                TextSpec& desc) {
+// outside, both set off from the edge by the symbol's measured size. The whole module sets
+// them by their middle, the description on the upper and right sides hanging from its top;
+// the divided drawing centres every number on its point and hangs every description.
+void FrameTexts(Side side, const cad::Point3d& edge, const cad::Vector3d& size, bool divided,
+                TextSpec& number, TextSpec& desc) {
     const cad::Vector3d out = Outward(side);
     const bool vertical = IsVerticalSide(side);
     const double s = vertical ? std::max(size.x, size.y) : size.y;
     number.at = edge - out * (s + 0.8);
     desc.at = edge + out * (s + 0.5);
     number.rotation = desc.rotation = vertical ? kAngleMinus90 : kAngle90;
+    if (divided) {
+        number.horz = desc.horz = cad::TextHorz::Center;
+        number.vert = cad::TextVert::Middle;
+        desc.vert = cad::TextVert::Top;
+        return;
+    }
     desc.vert =
         (side == Side::Upper || side == Side::Right) ? cad::TextVert::Top : cad::TextVert::Baseline;
 }
 
+// The "up" of a cell text, whose baseline runs along the edge: +Y unrotated (horizontal
+// module), +X turned to 270 degrees (vertical module).
+cad::Vector3d CellTextUp(bool vertical) {
+    return vertical ? cad::Vector3d{1, 0, 0} : cad::Vector3d{0, 1, 0};
+}
+
 // Texts of a terminal in the cell style: the number in the middle of its cell. The symbol
-// stands outside the cell, so the description goes beyond the symbol's far end, set off by
-// its own height and hanging away from the body (top anchored on the upper and right
-// sides, bottom anchored on the lower and left ones).
-void CellTexts(Side side, const cad::Point3d& centre, const cad::Vector3d& size, TextSpec& number,
-               TextSpec& desc) {
+// stands outside the cell, so the description goes beyond the symbol's far end, half a unit
+// clear of it. It hangs from its top, except on the lower side of a whole horizontal module
+// where it stands on its bottom; its anchor is put so that the text's body lies wholly
+// beyond that clearance whichever way the body extends from the anchor.
+void CellTexts(Side side, const cad::Point3d& centre, const cad::Vector3d& size, bool divided,
+               TextSpec& number, TextSpec& desc) {
     const cad::Vector3d out = Outward(side);
     const bool vertical = IsVerticalSide(side);
     const double s = vertical ? size.x : size.y;
@@ -167,9 +184,13 @@ void CellTexts(Side side, const cad::Point3d& centre, const cad::Vector3d& size,
     number.vert = cad::TextVert::Middle;
     desc.height = 1.5;
     desc.color = 4;
-    desc.at = centre + out * (2.5 + s + 0.5 + desc.height);
-    desc.vert =
-        (side == Side::Upper || side == Side::Right) ? cad::TextVert::Top : cad::TextVert::Bottom;
+    desc.vert = (side == Side::Lower && !divided) ? cad::TextVert::Bottom : cad::TextVert::Top;
+    const cad::Vector3d up = CellTextUp(vertical);
+    const bool upIsOut = up.x * out.x + up.y * out.y > 0;
+    // A top-hung text's body runs down from its anchor, a bottom-set one's up.
+    const bool bodyRunsIn = (desc.vert == cad::TextVert::Top) == upIsOut;
+    const double clear = 2.5 + s + 0.5;
+    desc.at = centre + out * (bodyRunsIn ? clear + desc.height : clear);
     number.rotation = desc.rotation = vertical ? kAngle270 : 0.0;
 }
 
@@ -302,10 +323,29 @@ TermStyle TermStyleFor(int componentType) {
     return componentType == 3 ? TermStyle::Cell : TermStyle::Frame;
 }
 
+// The module's text style: named so that LibreCAD, which draws a text with the stroke font
+// named like its style, finds qvcjk.lff; its font files are the configured ones.
+static cad::Handle ModuleTextStyle(cad::Database& db, const AworkSettings& settings) {
+    cad::Handle style = db.FindTextStyle(kTextStyleName);
+    if (style == cad::kNullHandle) {
+        return db.AddTextStyle(kTextStyleName, settings.textFont, settings.bigFont);
+    }
+    if (cad::TextStyleRecord* record = db.TextStyle(style)) {
+        record->font = settings.textFont;
+        record->bigFont = settings.bigFont;
+    }
+    return style;
+}
+
 bool OpenDrawContext(DrawContext& ctx) {
-    ctx.labelHeight = LoadAworkSettings(AworkFilePath()).labelHeight;
+    const AworkSettings awork = LoadAworkSettings(AworkFilePath());
+    ctx.labelHeight = awork.labelHeight;
     ctx.layer = cadutil::LayerIdByName(ctx.db, "DIM");
-    return ctx.db.TextStyle(ctx.db.CurrentTextStyle()) != nullptr;
+    if (ctx.db.TextStyle(ctx.db.CurrentTextStyle()) == nullptr) {
+        return false;
+    }
+    ctx.textStyle = ModuleTextStyle(ctx.db, awork);
+    return true;
 }
 
 void DrawHeader(DrawContext& ctx, bool detailLinks) {
@@ -380,9 +420,9 @@ void DrawTerminal(DrawContext& ctx, int row, Side side, TermStyle style, const c
 
     TextSpec number, desc;
     if (style == TermStyle::Cell) {
-        CellTexts(side, at, size, number, desc);
+        CellTexts(side, at, size, ctx.divided, number, desc);
     } else {
-        FrameTexts(side, at, size, number, desc);
+        FrameTexts(side, at, size, ctx.divided, number, desc);
     }
     cad::Text* numberText = AddText(ctx, dlg.termList.Text(row, kColTermValue), number);
     cad::Point3d textPoint;
@@ -400,7 +440,7 @@ void DrawTerminal(DrawContext& ctx, int row, Side side, TermStyle style, const c
     Link(db, refHandle, kAppTermDescText, descHandle);
     Link(db, numberHandle, kAppTermText, refHandle);
     Link(db, numberHandle, kAppTermDescText, refHandle);
-    if (ctx.descBackLink) {
+    if (ctx.divided) {
         Link(db, descHandle, kAppTermDescText, refHandle);
     }
     Link(db, ctx.label, kAppLabel, refHandle);

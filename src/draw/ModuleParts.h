@@ -62,9 +62,10 @@ struct DrawContext {
     cad::Database& db;
     cad::Point3d origin;  // the module's origin; every point is offset by it
     double labelHeight = 3.5;
-    cad::Handle layer = cad::kNullHandle;  // "DIM", or the current layer
-    cad::Handle label = cad::kNullHandle;  // device-label MText
-    cad::Handle data = cad::kNullHandle;   // data MText
+    cad::Handle layer = cad::kNullHandle;      // "DIM", or the current layer
+    cad::Handle textStyle = cad::kNullHandle;  // the style every text is written in
+    cad::Handle label = cad::kNullHandle;      // device-label MText
+    cad::Handle data = cad::kNullHandle;       // data MText
     cad::Handle symbolBlock = cad::kNullHandle;
     // The symbol's extents around its insertion point, per rotation: every terminal of a
     // side inserts the same block the same way, so each way is measured once.
@@ -73,15 +74,19 @@ struct DrawContext {
         cad::Vector3d low, high;
     };
     std::vector<SymbolFootprint> symbolFootprints;
-    bool descBackLink = false;  // the divided drawing links the description to its symbol
+    // The divided drawing: the description links back to its symbol, and every terminal's
+    // texts are centred (numbers vertically in the middle, descriptions hanging from the top)
+    // whatever the format and side.
+    bool divided = false;
 
     DrawContext(CDlgPlcRendal& d, cad::Database& target) : dlg(d), db(target) {}
     cad::Point3d At(double x, double y) const { return {origin.x + x, origin.y + y, origin.z}; }
 };
 
-// Step 2 of a drawing: the label height from awork.sys, the "DIM" layer (or the current
-// one), and the check that the current text style exists. False (nothing drawn) when the
-// style is missing.
+// Step 2 of a drawing: the label height and the text font from awork.sys, the "DIM" layer
+// (or the current one), the check that the current text style exists, and the text style
+// "qvcjk" with the configured font, made or brought up to date. False (nothing drawn) when
+// the current style is missing.
 bool OpenDrawContext(DrawContext& ctx);
 
 // The device label and the data text at the origin; with `detailLinks` the two are linked

@@ -85,11 +85,67 @@ TEST_F(DrawCommandTest, FormatOptionTakesThatFormatsOwnTerminal) {
     EXPECT_EQ(Census("A4"), "0 1");
 }
 
-TEST_F(DrawCommandTest, TooFewPiecesWriteNothing) {
+TEST_F(DrawCommandTest, TooFewPiecesWriteNothingAndSayHowManyAreNeeded) {
+    // 7 terminals, all up; a piece 40 long holds (40 - 10) / 10 = 3: 3 pieces in all.
     EXPECT_EQ(
         Draw(std::string("'") + kModule + "' --tag A3 --pieces 0,0:40,0 --drawing " + drawing), 4)
         << lastOutput;
+    EXPECT_NE(lastOutput.find("module DI-16A has 7 terminals on its longer side and the pieces "
+                              "given (1) hold 3; pieces as long as the last one hold 3 each, so "
+                              "it needs 2 more, 3 in all. Give one --pieces option per piece: "
+                              "--pieces X0,Y0:X1,Y1 --pieces X0,Y0:X1,Y1 ..."),
+              std::string::npos)
+        << lastOutput;
     EXPECT_FALSE(std::filesystem::exists(drawing));
+    // Pieces given as several values of one option, and a piece too short to hold a terminal.
+    EXPECT_EQ(Draw(std::string("'") + kModule + "' --tag A3 --pieces 0,0:40,0 50,0:90,0 " +
+                   "--drawing " + drawing),
+              2);
+    EXPECT_NE(lastOutput.find("'50,0:90,0' looks like a piece: each piece takes its own option"),
+              std::string::npos)
+        << lastOutput;
+    EXPECT_EQ(Draw(std::string("'") + kModule + "' --tag A3 --pieces 0,0:60,0 " +
+                   "--pieces 0,-50:25,-50 --drawing " + drawing),
+              2);
+    EXPECT_NE(lastOutput.find("--pieces 0,-50:25,-50: piece 2 is 25 long along the module's axis "
+                              "(along X); it must be longer than 25"),
+              std::string::npos)
+        << lastOutput;
+    EXPECT_FALSE(std::filesystem::exists(drawing));
+}
+
+// Values outside what a drawing can hold are usage errors before anything is read or
+// written; a huge terminal range costs no more than a small one.
+TEST_F(DrawCommandTest, OutOfRangeOptionsAreUsageErrorsNamingTheValue) {
+    const std::string module = std::string("'") + kModule + "' --tag A1 --drawing " + drawing;
+    const struct {
+        std::string options;
+        int exitCode;
+        std::string named;
+    } cases[] = {
+        {"--at 1e300,0", 2, "--at 1e300,0: coordinates must be finite and at most 1e100"},
+        {"--at 0,1e309", 2, "--at 0,1e309: coordinates must be finite"},
+        {"--at nan,0", 2, "--at nan,0: coordinates"},
+        {"--pieces 0,0:-inf,0", 2, "--pieces 0,0:-inf,0: coordinates"},
+        {"--at 0,0 --save-format 9", 2, "--save-format takes 8, 12, 24, 36 or 48, not '9'"},
+        {"--at 0,0 --save-format 480", 2, "not '480'"},
+        {"--at 0,0 --symbol ../x", 2, "--symbol takes the name of a symbol in SYMB2LIB"},
+        {"--at 0,0 --symbol /etc/passwd", 2, "not '/etc/passwd'"},
+        {"--at 0,0 --symbol ..", 2, "not '..'"},
+        {"--at 0,0 --terminals 1-99999999999", 2, "--terminals takes sequence numbers"},
+        {"--at 0,0 --terminals 1-2147483647", 1,
+         "--terminals 1-2147483647: module DI-16A has no terminal with sequence 8 (its "
+         "terminals are numbered 1 to 7)"},
+        {"--at 0,0 --terminals 3,5-2147483647", 1, "sequence 8"},
+    };
+    for (const auto& c : cases) {
+        EXPECT_EQ(Draw(module + " " + c.options), c.exitCode) << c.options << "\n" << lastOutput;
+        EXPECT_NE(lastOutput.find(c.named), std::string::npos) << c.options << "\n" << lastOutput;
+    }
+    EXPECT_FALSE(std::filesystem::exists(drawing));
+    // The edges of the ranges are drawn.
+    ASSERT_EQ(Draw(module + " --at 1e100,-1e100 --save-format 8"), 0) << lastOutput;
+    EXPECT_EQ(Census("A1"), "7 1");
 }
 
 TEST_F(DrawCommandTest, MalformedDrawingIsReportedAndLeftUntouched) {

@@ -80,6 +80,102 @@ TEST(DrawingDxf, DividedPiecesReadBackLinkedWithTheDescriptionBackLink) {
     EXPECT_EQ(lines[0], "INSERT=4 LWPOLYLINE=8 MTEXT=2 TEXT=8 links=" + std::to_string(links));
 }
 
+// Every terminal text and both header texts of every format, orientation and drawing kind,
+// read back by ezdxf and judged by the alignment rules (tests/draw/check_text_alignment.py).
+// Each text starts with the side it belongs to.
+TEST(DrawingDxf, EveryTextStandsWhereTheAlignmentRulesPutIt) {
+    for (const bool divided : {false, true}) {
+        for (int type = 1; type <= 3; ++type) {
+            for (int orientation = 0; orientation <= 1; ++orientation) {
+                const std::string mode = divided ? "divided" : "whole";
+                SCOPED_TRACE(mode + " format " + std::to_string(type) + " orientation " +
+                             std::to_string(orientation));
+                const std::string first = orientation == 0 ? "上" : "右";
+                const std::string second = orientation == 0 ? "下" : "左";
+                std::vector<Row> rows;
+                for (int i = 0; i < 3; ++i) {
+                    rows.push_back({first + std::to_string(i), first + "描述" + std::to_string(i),
+                                    "向" + first});
+                }
+                for (int i = 0; i < 2; ++i) {
+                    rows.push_back({second + std::to_string(i), second + "描述" + std::to_string(i),
+                                    "向" + second});
+                }
+                DrawingEnvironment env;
+                auto dlg = env.MakeDialog(type, orientation, rows);
+                const auto along = [orientation](double x0, double y0, double d) {
+                    return orientation == 0 ? cad::Point3d{x0 + d, y0, 0}
+                                            : cad::Point3d{x0, y0 - d, 0};
+                };
+                if (divided) {
+                    // Two pieces: two places each (36 long), the second holds the last one.
+                    env.host.pointAnswers = {{InputStatus::Normal, {40, 30, 0}},
+                                             {InputStatus::Normal, along(40, 30, 36)},
+                                             {InputStatus::Normal, {200, 30, 0}},
+                                             {InputStatus::Normal, along(200, 30, 36)}};
+                    ASSERT_TRUE(DrawDivided(*dlg, env.drawing));
+                } else {
+                    env.host.pointAnswers = {{InputStatus::Normal, {40, 30, 0}}};
+                    ASSERT_TRUE(DrawFullSheet(*dlg, env.drawing));
+                }
+                const auto file = env.LocalDir() / "aligned.dxf";
+                cad::WriteDxfFile(env.drawing, file.string(), cad::DxfVersion::R2010);
+                const std::string args = file.string() + " " + std::to_string(type) + " " +
+                                         std::to_string(orientation) + " " + mode + " 40 30";
+                EXPECT_EQ(RunPythonCheck("check_text_alignment.py", args), "checked 10 texts\n");
+            }
+        }
+    }
+}
+
+// The module's texts are written in the style "qvcjk" with the configured fonts, and their
+// Chinese characters show where each text stands: in LibreCAD (through the stroke font the
+// build makes) and in the project's own renderer (tests/draw/check_cjk_rendering.py).
+TEST(DrawingDxf, ChineseTextsShowInLibreCadAndInTheOwnRenderer) {
+    const auto fonts = testing_support::CommonResDir() / "fonts";
+    if (!std::filesystem::exists(fonts / "qvcjk.lff")) {
+        GTEST_SKIP() << "qvcjk.lff was not built (needs python3-fonttools, fonts-wqy-microhei)";
+    }
+    for (const auto& [type, orientation] : {std::pair{1, 0}, std::pair{3, 1}}) {
+        SCOPED_TRACE("format " + std::to_string(type) + " orientation " +
+                     std::to_string(orientation));
+        DrawingEnvironment env;
+        std::vector<Row> rows;
+        for (int i = 0; i < 4; ++i) {
+            rows.push_back(
+                {"端" + std::to_string(i), "输入端子描述" + std::to_string(i),
+                 i % 2 ? (orientation ? "向左" : "向下") : (orientation ? "向右" : "向上")});
+        }
+        auto dlg = env.MakeDialog(type, orientation, rows);
+        dlg->editTag = "模块甲";
+        env.host.pointAnswers = {{InputStatus::Normal, {0, 0, 0}}};
+        ASSERT_TRUE(DrawFullSheet(*dlg, env.drawing));
+        const cad::Handle style = env.drawing.FindTextStyle("qvcjk");
+        ASSERT_NE(style, cad::kNullHandle);
+        EXPECT_EQ(env.drawing.TextStyle(style)->font, "txt.shx");
+        EXPECT_EQ(env.drawing.TextStyle(style)->bigFont, "gbcbig.shx");
+        const auto file = env.LocalDir() / "cjk.dxf";
+        cad::WriteDxfFile(env.drawing, file.string(), cad::DxfVersion::R2010);
+        const auto scratch = env.LocalDir() / "render";
+        std::filesystem::create_directories(scratch);
+        std::string output;
+        const int status = testing_support::RunCommand(
+            testing_support::Python() + " " +
+                (testing_support::SourceDir() / "tests/draw/check_cjk_rendering.py").string() +
+                " " + file.string() + " " +
+                (testing_support::BinaryDir() / "bin" / "qvplc").string() + " " + fonts.string() +
+                " " + scratch.string(),
+            &output);
+        if (status == 77) {
+            GTEST_SKIP() << output;
+        }
+        EXPECT_EQ(status, 0) << output;
+        EXPECT_NE(output.find("qvplc renderer: 10 Chinese texts checked"), std::string::npos)
+            << output;
+        EXPECT_NE(output.find("LibreCAD: 10 Chinese texts checked"), std::string::npos) << output;
+    }
+}
+
 TEST(DrawingDxf, TextsComeBackAsTypedInEverySaveFormat) {
     DrawingEnvironment env;
     std::vector<Row> rows = {{"1\\2", "反斜杠\\和{括号}", "向上"},

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cmath>
+#include <sstream>
 
 #include "DrawingTestSupport.h"
 #include "cad/Dxf.h"
@@ -273,7 +274,9 @@ TEST(DrawingModule, CellStyleVerticalAndSymbolBasePointElsewhere) {
     using V = cad::TextVert;
     ExpectText(*texts[0], "1", {{0, -10}, k270, H::Center, V::Middle}, 2.0, 2, "right number");
     ExpectText(*texts[1], "A", {{2.5 + 5 + 2, -10}, k270, H::Center, V::Top}, 1.5, 4, "right desc");
-    ExpectText(*texts[3], "B", {{-10 - 2.5 - 5 - 2, -10}, k270, H::Center, V::Bottom}, 1.5, 4,
+    // On the left the text's top faces the body too, so it hangs outward from half a unit
+    // beyond the symbol.
+    ExpectText(*texts[3], "B", {{-10 - 2.5 - 5 - 0.5, -10}, k270, H::Center, V::Top}, 1.5, 4,
                "left desc");
 }
 
@@ -382,7 +385,7 @@ TEST(DrawingAworkSettings, LabelHeightAndItsDefaults) {
     EXPECT_DOUBLE_EQ(ParseAworkSettings({"其它:1", "标号字高:5.25"}).labelHeight, 5.25);
     EXPECT_DOUBLE_EQ(ParseAworkSettings({"标号字高:2", "标号字高:9"}).labelHeight, 2.0);
     for (const char* bad : {"标号字高:", "标号字高:-1", "标号字高:0", "标号字高:abc",
-                            "标号字高:nan", "标号字高:3x"}) {
+                            "标号字高:nan", "标号字高:3x", "标号字高:1e7", "标号字高:inf"}) {
         EXPECT_DOUBLE_EQ(ParseAworkSettings({bad}).labelHeight, draw::kDefaultLabelHeight) << bad;
     }
     testing_support::TempDir dir;
@@ -392,6 +395,58 @@ TEST(DrawingAworkSettings, LabelHeightAndItsDefaults) {
     written.labelHeight = 4.5;
     testing_support::WriteFile(dir / "awork.sys", draw::FormatAworkSettings(written));
     EXPECT_DOUBLE_EQ(draw::LoadAworkSettings((dir / "awork.sys").string()).labelHeight, 4.5);
+}
+
+TEST(DrawingAworkSettings, TextFontIsAnShxPairOrOneFontAndFallsBackOnAnythingElse) {
+    using draw::ParseAworkSettings;
+    const auto font = [](const std::vector<std::string>& lines) {
+        const draw::AworkSettings s = ParseAworkSettings(lines);
+        return s.textFont + "|" + s.bigFont;
+    };
+    EXPECT_EQ(font({}), "txt.shx|gbcbig.shx");
+    EXPECT_EQ(font({"标号字高:3", "文字字体: simplex.shx , hztxt.shx "}), "simplex.shx|hztxt.shx");
+    EXPECT_EQ(font({"文字字体:simsun.ttf", "文字字体:other.ttf"}), "simsun.ttf|");
+    for (const char* bad : {"文字字体:", "文字字体:a.shx,", "文字字体:,b.shx", "文字字体:a,b,c",
+                            "文字字体:../x.ttf", "文字字体:C:\\x.ttf"}) {
+        EXPECT_EQ(font({bad}), "txt.shx|gbcbig.shx") << bad;
+    }
+    // What is written reads back, the label height beside it.
+    draw::AworkSettings written;
+    written.labelHeight = 2.5;
+    written.textFont = "simsun.ttf";
+    written.bigFont.clear();
+    std::vector<std::string> lines;
+    std::istringstream in(draw::FormatAworkSettings(written));
+    for (std::string line; std::getline(in, line);) {
+        lines.push_back(line);
+    }
+    const draw::AworkSettings read = ParseAworkSettings(lines);
+    EXPECT_EQ(read.textFont, "simsun.ttf");
+    EXPECT_EQ(read.bigFont, "");
+    EXPECT_DOUBLE_EQ(read.labelHeight, 2.5);
+}
+
+// The module's texts all use the style qvcjk; a drawing that already has it gets the
+// configured fonts, and the drawing's current style is left as it was.
+TEST(DrawingModule, TextsUseTheModuleStyleWithTheConfiguredFont) {
+    DrawingEnvironment env;
+    testing_support::WriteFile(env.LocalDir() / "LocalData/awork.sys",
+                               "标号字高:4\n文字字体:simsun.ttf\n");
+    auto dlg = env.MakeDialog(3, 0, {{"1", "输入", "向上"}});
+    cad::Database db;
+    const cad::Handle old = db.AddTextStyle("qvcjk", "romans.shx", "x.shx");
+    const cad::Handle current = db.CurrentTextStyle();
+    ASSERT_TRUE(DrawModule(*dlg, db, 0));
+    EXPECT_EQ(db.FindTextStyle("qvcjk"), old);
+    EXPECT_EQ(db.TextStyle(old)->font, "simsun.ttf");
+    EXPECT_EQ(db.TextStyle(old)->bigFont, "");
+    EXPECT_EQ(db.CurrentTextStyle(), current);
+    for (const cad::Text* t : All<cad::Text>(db)) {
+        EXPECT_EQ(t->style, old) << t->text;
+    }
+    for (const cad::MText* t : All<cad::MText>(db)) {
+        EXPECT_EQ(t->style, old) << t->contents;
+    }
 }
 
 // Each drawing reads the symbol drawing as it is now: a file changed or removed since the

@@ -85,6 +85,13 @@ TEST_F(SettingsCliTest, BadKeysAndValuesAreUsageErrorsThatLeaveTheFile) {
         {"set labelSlotNo=maybe", "labelSlotNo=maybe"},
         {"set termDirection=1", "termDirection"},
         {"set termSymbolName=NoSuchSymbol", "NoSuchSymbol"},
+        // Values that would collapse or overflow the drawing, and names leaving SYMB2LIB.
+        {"set termSpacing=0", "termSpacing=0: termSpacing must be a real number above 0"},
+        {"set typeWidth=0", "typeWidth=0"},
+        {"set termSpacing=1e300", "at most 1000000"},
+        {"set typeWidth=1000000.5", "typeWidth=1000000.5"},
+        {"set termSymbolName=../x", "without '/'"},
+        {"set termSymbolName=..", "without '/'"},
         {"set componentType", "componentType"},
         {"set labelSlotNo=true labelSlotNo=false", "labelSlotNo"},
         {"set", "nothing to set"},
@@ -116,4 +123,22 @@ TEST_F(SettingsCliTest, HelpTeachesTheKeys) {
                             "labelModuleCodePrefix", "detailModelType", "Exit codes"}) {
         EXPECT_NE(out.find(key), std::string::npos) << key;
     }
+    // The group's help lists every setting with its kind and range.
+    ASSERT_EQ(Run("--help", &out), 0);
+    EXPECT_NE(out.find("termSpacing              real     above 0, at most 1000000"),
+              std::string::npos)
+        << out;
+    EXPECT_NE(out.find("termDirection            integer  0 to 3"), std::string::npos) << out;
+}
+
+TEST_F(SettingsCliTest, ShowWarnsAboutAFileValueOutOfRangeAndShowsTheDefault) {
+    WriteSettings("元件类型:1\n端子间隔距离:0.0\n类型A宽度:nan\n");
+    std::string out;
+    ASSERT_EQ(Run("show", &out), 0) << out;
+    EXPECT_NE(out.find(SettingFile().string() + ": termSpacing=0.0 is outside its range"),
+              std::string::npos)
+        << out;
+    EXPECT_NE(out.find("typeWidth=nan is outside its range"), std::string::npos) << out;
+    EXPECT_NE(out.find("termSpacing = 10  (default)"), std::string::npos) << out;
+    EXPECT_NE(out.find("typeWidth = 10  (default)"), std::string::npos) << out;
 }

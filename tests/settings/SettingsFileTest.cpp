@@ -198,8 +198,67 @@ TEST_F(SettingsFileTest, InvalidFormatFallsBackToFormatOneButKeepsLabelFlags) {
     EXPECT_TRUE(s.autoDetail);
     EXPECT_EQ(s.detailModelType, 0);
     EXPECT_FALSE(s.labelManufacturer);
-    EXPECT_FLOAT_EQ(s.termSpacing, 0.0f);  // an unparsable number reads as 0
-    EXPECT_EQ(fromFile, (std::set<std::string>{"labelManufacturer", "termSpacing"}));
+    // An unparsable number reads as 0, which no spacing may be: the default is used.
+    EXPECT_FLOAT_EQ(s.termSpacing, 10.0f);
+    EXPECT_EQ(fromFile, (std::set<std::string>{"labelManufacturer"}));
+}
+
+// Every number the drawing uses is checked against its range as the file is read: a value
+// outside it is named on standard error (through the host) with its file, and the default is
+// drawn with. Values inside the range, and empty ones, pass without a word.
+TEST_F(SettingsFileTest, OutOfRangeValuesAreWarnedAboutAndReplacedByDefaults) {
+    struct Case {
+        std::string line;
+        std::string key;
+        std::string value;
+        float PlcDrawSettings::*real;
+        float expected;
+    };
+    const std::vector<Case> reals = {
+        {"端子间隔距离:0.0", "termSpacing", "0.0", &PlcDrawSettings::termSpacing, 10},
+        {"端子间隔距离:nan", "termSpacing", "nan", &PlcDrawSettings::termSpacing, 10},
+        {"端子间隔距离:-inf", "termSpacing", "-inf", &PlcDrawSettings::termSpacing, 10},
+        {"类型A宽度:1e309", "typeWidth", "1e309", &PlcDrawSettings::typeWidth, 10},
+        {"类型A宽度:-3", "typeWidth", "-3", &PlcDrawSettings::typeWidth, 10},
+        {"类型A宽度:1e40", "typeWidth", "1e40", &PlcDrawSettings::typeWidth, 10},
+        {"端子A长度:-0.5", "termLength", "-0.5", &PlcDrawSettings::termLength, 5},
+        {"端子A长度:inf", "termLength", "inf", &PlcDrawSettings::termLength, 5},
+    };
+    for (const Case& c : reals) {
+        SCOPED_TRACE(c.line);
+        recorder.messages.clear();
+        WriteSettings("元件类型:1\n端子A名称:SYMB2_S_KTR5\n" + c.line + "\n");
+        const PlcDrawSettings s = Loaded();
+        EXPECT_FLOAT_EQ(s.*c.real, c.expected);
+        ASSERT_EQ(recorder.messages.size(), 1u);
+        const std::string& text = recorder.messages[0].text;
+        EXPECT_NE(text.find(SettingFile().string()), std::string::npos) << text;
+        EXPECT_NE(text.find(c.key + "=" + c.value + " is outside its range"), std::string::npos)
+            << text;
+    }
+    recorder.messages.clear();
+    WriteSettings("元件类型:1\n端子A方向:9\n明细型号类型:-1\n");
+    PlcDrawSettings s = Loaded();
+    EXPECT_EQ(s.termDirection, 2);
+    EXPECT_EQ(s.detailModelType, 0);
+    EXPECT_EQ(recorder.messages.size(), 2u);
+
+    // A symbol name is also a file name in SYMB2LIB and may not leave it.
+    recorder.messages.clear();
+    WriteSettings("元件类型:2\n端子B名称:../../etc/passwd\n");
+    s = Loaded();
+    EXPECT_EQ(s.termSymbolName, "SYMB2_S_KTR17");
+    EXPECT_EQ(s.termSymbolPath, drawsettings::SymbolPathFor("SYMB2_S_KTR17"));
+    ASSERT_EQ(recorder.messages.size(), 1u);
+    EXPECT_NE(recorder.messages[0].text.find("termSymbolName=../../etc/passwd"), std::string::npos);
+
+    recorder.messages.clear();
+    WriteSettings("元件类型:1\n端子间隔距离:0.1\n类型A宽度:1000000\n端子A长度:0\n端子A方向:\n");
+    s = Loaded();
+    EXPECT_FLOAT_EQ(s.termSpacing, 0.1f);
+    EXPECT_FLOAT_EQ(s.typeWidth, 1e6f);
+    EXPECT_FLOAT_EQ(s.termLength, 0.0f);
+    EXPECT_TRUE(recorder.messages.empty()) << recorder.messages[0].text;
 }
 
 TEST_F(SettingsFileTest, StoredPathsBelowTheLocalFolderAreRelative) {

@@ -96,6 +96,22 @@ TEST_F(SheetTest, OkTakesTheSelectedFormatAndWritesTheFullForm) {
     EXPECT_FLOAT_EQ(reread.termLength, 9.0f);  // the file keeps the measured length
 }
 
+// The page shows what the file holds, out of range or not, and keeps it in the file; the
+// settings the drawing uses get the defaults instead.
+TEST_F(SheetTest, OkGivesTheDrawingDefaultsForPageValuesOutOfRange) {
+    WriteSettings("元件类型:1\n端子A名称:../../x\n类型A宽度:nan\n端子A长度:-2\n端子A方向:9\n");
+    PlcDrawSettings s;
+    InitPlcDrawSettings(s);
+    CPLCSettingSheetDlg sheet(s);
+    ASSERT_TRUE(sheet.OnOK());
+    EXPECT_FLOAT_EQ(s.typeWidth, 10.0f);
+    EXPECT_FLOAT_EQ(s.termLength, 5.0f);
+    EXPECT_EQ(s.termDirection, 2);
+    EXPECT_EQ(s.termSymbolName, "SYMB2_S_KTR5");
+    EXPECT_EQ(s.termSymbolPath, Common() + "SYMB2LIB/SYMB2_S_KTR5.dxf");
+    EXPECT_NE(ReadSettings().find("类型A宽度:nan\n"), std::string::npos);
+}
+
 TEST_F(SheetTest, RunningTheSheetLocksTheDocumentAndCancelChangesNothing) {
     WriteSettings("元件类型:1\n");
     PlcDrawSettings s;

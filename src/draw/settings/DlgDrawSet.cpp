@@ -3,6 +3,7 @@
 #include <filesystem>
 
 #include "draw/settings/PlcDrawSettings.h"
+#include "draw/settings/SettingRanges.h"
 #include "draw/settings/SettingsFile.h"
 #include "draw/settings/SettingsText.h"
 #include "draw/settings/TermSymbolMeasure.h"
@@ -67,6 +68,17 @@ bool CDlgDrawSet::OnOK() {
     if (!drawsettings::IsUnsignedRealText(spacingText)) {
         Warn("端子间隔应为实数!");
         return false;
+    }
+    // Beyond the dialog's own checks, the width and the spacing must lie in their ranges: a
+    // zero spacing or width collapses the drawing.
+    for (const auto& [key, text] :
+         {std::pair<const char*, const std::string*>{"typeWidth", &widthText},
+          {"termSpacing", &spacingText}}) {
+        const drawsettings::SettingRange& range = *drawsettings::FindSettingRange(key);
+        if (!drawsettings::InSettingRange(range, drawsettings::ParseReal(*text))) {
+            Warn(drawsettings::OutOfRangeText(range, *text));
+            return false;
+        }
     }
     std::error_code ec;
     if (!std::filesystem::is_regular_file(termPath, ec)) {

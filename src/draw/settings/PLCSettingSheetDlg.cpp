@@ -1,5 +1,7 @@
 #include "draw/settings/PLCSettingSheetDlg.h"
 
+#include "draw/settings/SettingRanges.h"
+#include "draw/settings/SettingsFile.h"
 #include "draw/settings/SettingsText.h"
 #include "host/Host.h"
 
@@ -13,6 +15,14 @@ public:
     DocumentLock(const DocumentLock&) = delete;
     DocumentLock& operator=(const DocumentLock&) = delete;
 };
+
+// A value the sheet takes from a page, or the setting's default when it lies outside the
+// setting's range (the page shows what the file holds; loading the file warns about it).
+template <class T>
+T InRangeOr(const char* key, double value) {
+    const drawsettings::SettingRange& range = *drawsettings::FindSettingRange(key);
+    return static_cast<T>(drawsettings::InSettingRange(range, value) ? value : range.fallback);
+}
 
 }  // namespace
 
@@ -38,15 +48,19 @@ CPLCSettingSheetDlg::CPLCSettingSheetDlg(PlcDrawSettings& settings) : settings_(
 
 bool CPLCSettingSheetDlg::OnOK() {
     PlcDrawSettings& s = settings_;
-    s.termSpacing = static_cast<float>(drawsettings::ParseReal(drawPage.spacingText));
+    s.termSpacing = InRangeOr<float>("termSpacing", drawsettings::ParseReal(drawPage.spacingText));
     s.componentType = drawPage.selectedFormat;
     const drawsettings::FormatTerminal& terminal = drawPage.Format(s.componentType);
-    s.typeWidth = static_cast<float>(drawsettings::ParseReal(terminal.widthText));
-    s.termSymbolName = terminal.name;
-    s.termDirection = terminal.direction;
+    s.typeWidth = InRangeOr<float>("typeWidth", drawsettings::ParseReal(terminal.widthText));
+    // A name that would lead out of SYMB2LIB gives the format's own symbol.
+    s.termSymbolName = drawsettings::IsPlainSymbolName(terminal.name)
+                           ? terminal.name
+                           : drawsettings::DefaultFormatTerminal(s.componentType).name;
+    s.termDirection = InRangeOr<int>("termDirection", terminal.direction);
     // The path is rebuilt from the name: the symbol always comes from the library folder.
     s.termSymbolPath = drawsettings::SymbolPathFor(s.termSymbolName);
-    s.termLength = FixedTermLength(s.termSymbolName, terminal.length);
+    s.termLength =
+        FixedTermLength(s.termSymbolName, InRangeOr<float>("termLength", terminal.length));
     labelPage.CopyTo(s);
     s.autoDetail = bomPage.autoDetail;
     s.autoDetailModel = bomPage.autoDetailModel;

@@ -1,5 +1,6 @@
 #include "draw/settings/PlcDrawSettings.h"
 
+#include "draw/settings/SettingRanges.h"
 #include "draw/settings/SettingsFile.h"
 #include "draw/settings/SettingsText.h"
 #include "host/SuiteServices.h"
@@ -29,6 +30,21 @@ void ApplyMissingFileDefaults(PlcDrawSettings& settings) {
     ApplyFormatOneDefaults(settings);
 }
 
+// A number the file holds for `key`, as it was read: kept when it lies in the setting's range,
+// otherwise warned about and replaced by the setting's default. Empty texts keep the loading
+// rules' own defaults and are not checked. A replaced value's text is cleared: the value
+// no longer comes from the file.
+template <class T>
+void CheckLoaded(T& member, double read, const char* key, std::string& text) {
+    const drawsettings::SettingRange* range = drawsettings::FindSettingRange(key);
+    if (text.empty() || range == nullptr || drawsettings::InSettingRange(*range, read)) {
+        return;
+    }
+    drawsettings::WarnOutOfRange(PlcDrawSettingFilePath(), *range, text);
+    member = static_cast<T>(range->fallback);
+    text.clear();
+}
+
 void Mark(std::set<std::string>* fromFile, const char* member) {
     if (fromFile) {
         fromFile->insert(member);
@@ -41,8 +57,9 @@ void LoadFlags(PlcDrawSettings& settings, const std::vector<std::string>& lines,
     settings.autoDetail = autoDetail.empty() || autoDetail.find("TRUE") != std::string::npos;
     const std::string autoModel = FindLabelValue(lines, drawsettings::kLabelAutoDetailModel);
     settings.autoDetailModel = autoModel.empty() || autoModel.find("TRUE") != std::string::npos;
-    const std::string modelType = FindLabelValue(lines, drawsettings::kLabelDetailModelType);
+    std::string modelType = FindLabelValue(lines, drawsettings::kLabelDetailModelType);
     settings.detailModelType = modelType.empty() ? 0 : drawsettings::ParseInt(modelType);
+    CheckLoaded(settings.detailModelType, settings.detailModelType, "detailModelType", modelType);
     if (!autoDetail.empty()) {
         Mark(fromFile, "autoDetail");
     }
@@ -67,15 +84,30 @@ void LoadFormat(PlcDrawSettings& settings, const std::vector<std::string>& lines
                 std::set<std::string>* fromFile) {
     const drawsettings::FormatLabels& labels = drawsettings::LabelsOf(settings.componentType);
     const std::string path = FindLabelValue(lines, labels.path);
-    const std::string name = FindLabelValue(lines, labels.name);
-    const std::string direction = FindLabelValue(lines, labels.direction);
-    const std::string width = FindLabelValue(lines, labels.width);
-    const std::string length = FindLabelValue(lines, labels.length);
+    std::string name = FindLabelValue(lines, labels.name);
+    std::string direction = FindLabelValue(lines, labels.direction);
+    std::string width = FindLabelValue(lines, labels.width);
+    std::string length = FindLabelValue(lines, labels.length);
     settings.termSymbolPath = drawsettings::ResolveStoredSymbolPath(path);
     settings.termSymbolName = name;
+    // The name also names the symbol's drawing, SYMB2LIB/<name>: it must stay in that folder.
+    if (!name.empty() && !drawsettings::IsPlainSymbolName(name)) {
+        drawsettings::WarnOutOfRange(PlcDrawSettingFilePath(),
+                                     *drawsettings::FindSettingRange("termSymbolName"), name);
+        const drawsettings::FormatTerminal fallback =
+            drawsettings::DefaultFormatTerminal(settings.componentType);
+        settings.termSymbolName = fallback.name;
+        settings.termSymbolPath = fallback.path;
+        name.clear();
+    }
     settings.termDirection = drawsettings::ParseInt(direction);
-    settings.typeWidth = width.empty() ? 10.0f : static_cast<float>(drawsettings::ParseReal(width));
-    settings.termLength = static_cast<float>(drawsettings::ParseReal(length));
+    CheckLoaded(settings.termDirection, settings.termDirection, "termDirection", direction);
+    const double widthRead = drawsettings::ParseReal(width);
+    settings.typeWidth = width.empty() ? 10.0f : static_cast<float>(widthRead);
+    CheckLoaded(settings.typeWidth, widthRead, "typeWidth", width);
+    const double lengthRead = drawsettings::ParseReal(length);
+    settings.termLength = static_cast<float>(lengthRead);
+    CheckLoaded(settings.termLength, lengthRead, "termLength", length);
     const std::pair<const std::string*, const char*> found[] = {
         {&path, "termSymbolPath"}, {&name, "termSymbolName"}, {&direction, "termDirection"},
         {&width, "typeWidth"},     {&length, "termLength"},
@@ -104,12 +136,21 @@ void LoadPlcDrawSettingsFromLines(PlcDrawSettings& settings, const std::vector<s
         ApplyMissingFileDefaults(settings);
         return;
     }
-    if (const std::string spacing = FindLabelValue(*lines, kLabelSpacing); !spacing.empty()) {
-        settings.termSpacing = static_cast<float>(ParseReal(spacing));
-        Mark(fromFile, "termSpacing");
+    if (std::string spacing = FindLabelValue(*lines, kLabelSpacing); !spacing.empty()) {
+        const double read = ParseReal(spacing);
+        settings.termSpacing = static_cast<float>(read);
+        CheckLoaded(settings.termSpacing, read, "termSpacing", spacing);
+        if (!spacing.empty()) {
+            Mark(fromFile, "termSpacing");
+        }
     }
     LoadFlags(settings, *lines, fromFile);
-    settings.componentType = ParseInt(FindLabelValue(*lines, kLabelComponentType));
+    const std::string type = FindLabelValue(*lines, kLabelComponentType);
+    settings.componentType = ParseInt(type);
+    if (const SettingRange* range = FindSettingRange("componentType");
+        !type.empty() && !InSettingRange(*range, settings.componentType)) {
+        WarnOutOfRange(PlcDrawSettingFilePath(), *range, type);
+    }
     if (settings.componentType >= 1 && settings.componentType <= kFormatCount) {
         Mark(fromFile, "componentType");
         LoadFormat(settings, *lines, fromFile);

@@ -3,6 +3,7 @@
 #include <algorithm>
 #include <filesystem>
 
+#include "draw/settings/SettingRanges.h"
 #include "draw/settings/SettingsText.h"
 #include "host/SuiteServices.h"
 #include "host/TextFile.h"
@@ -137,6 +138,33 @@ FormatTerminals LoadFormatTerminals(const std::vector<std::string>* lines) {
         }
     }
     return formats;
+}
+
+void CheckFormatTerminal(FormatTerminal& terminal, int format) {
+    const FormatTerminal fallback = DefaultFormatTerminal(format);
+    const std::string path = PlcDrawSettingFilePath();
+    auto check = [&path](const char* key, double value, const std::string& text) {
+        const SettingRange& range = *FindSettingRange(key);
+        if (InSettingRange(range, value)) {
+            return true;
+        }
+        WarnOutOfRange(path, range, text);
+        return false;
+    };
+    if (!IsPlainSymbolName(terminal.name)) {
+        WarnOutOfRange(path, *FindSettingRange("termSymbolName"), terminal.name);
+        terminal.name = fallback.name;
+        terminal.path = fallback.path;
+    }
+    if (!check("typeWidth", ParseReal(terminal.widthText), terminal.widthText)) {
+        terminal.widthText = fallback.widthText;
+    }
+    if (!check("termLength", terminal.length, FormatFixed(terminal.length, 6))) {
+        terminal.length = fallback.length;
+    }
+    if (!check("termDirection", terminal.direction, std::to_string(terminal.direction))) {
+        terminal.direction = fallback.direction;
+    }
 }
 
 std::string FullFormText(const FormatTerminals& formats, const PlcDrawSettings& settings) {

@@ -67,6 +67,10 @@ std::optional<std::vector<std::string>> ReadSettingLines();
 // What the format page reads: every format's values, each missing one by its default.
 FormatTerminals LoadFormatTerminals(const std::vector<std::string>* lines);
 
+// Checks one format's values as the format page read them against their ranges: a value
+// outside its range is warned about (file, key, value) and replaced by the format's default.
+void CheckFormatTerminal(FormatTerminal& terminal, int format);
+
 // The values the drawing dialog's constructor presets before it loads the file.
 void PresetPlcDrawSettings(PlcDrawSettings& settings);
 

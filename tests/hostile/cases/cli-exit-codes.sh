@@ -79,7 +79,7 @@ fi
 # Too few pieces: the error says how many the module needs, and that many are enough.
 run cli-pieces-count draw "$MODULE" --tag A1 --pieces 0,0:40,0 --drawing "$S/pieces.dxf"
 c=$?
-needed=$(sed -n 's/^qvplc draw: the module needs \([0-9]*\) pieces .*repeat --pieces X0,Y0:X1,Y1 once for each piece$/\1/p' "$S/cli-pieces-count.err")
+needed=$(sed -n 's/^qvplc draw: .* so it needs [0-9]* more, \([0-9]*\) in all\. Give one --pieces option per piece.*$/\1/p' "$S/cli-pieces-count.err")
 if expect_code cli-pieces-count 4 $c; then
     if [ -z "$needed" ]; then
         fail cli-pieces-count "no count of the pieces needed: $(head -c 300 "$S/cli-pieces-count.err")"
