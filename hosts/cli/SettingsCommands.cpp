@@ -12,9 +12,12 @@
 #include "Args.h"
 #include "Commands.h"
 #include "ExitCodes.h"
+#include "FileErrors.h"
 #include "draw/settings/PLCSettingSheetDlg.h"
 #include "draw/settings/SettingsFile.h"
 #include "draw/settings/SettingsText.h"
+#include "files/FileIdentity.h"
+#include "files/UpdateLock.h"
 
 namespace cli {
 namespace {
@@ -326,6 +329,8 @@ int RunShow(const Arguments& args) {
     return kExitOk;
 }
 
+int SetUnderLock(const Changes& changes);
+
 int RunSet(const Arguments& args) {
     const auto parsed = Parse(kSetSpec, args);
     if (!parsed) {
@@ -339,6 +344,21 @@ int RunSet(const Arguments& args) {
     if (!ReadChanges(parsed->positional, changes)) {
         return kExitUsage;
     }
+    // LocalData is the suite's own folder. The whole change runs under the file's update
+    // lock, so that two changes at once never lose one of them.
+    const std::string path = PlcDrawSettingFilePath();
+    std::error_code ec;
+    std::filesystem::create_directories(files::FolderOf(path), ec);
+    try {
+        files::RefuseNonRegular(path);
+        const files::UpdateLock lock(path);
+        return SetUnderLock(changes);
+    } catch (const files::FileError& e) {
+        return ReportFileError("qvplc settings set", e);
+    }
+}
+
+int SetUnderLock(const Changes& changes) {
     PlcDrawSettings settings;
     InitPlcDrawSettings(settings);
     bool written = false;
@@ -351,8 +371,8 @@ int RunSet(const Arguments& args) {
         return kExitFailure;
     }
     if (!written) {
-        std::fprintf(stderr, "qvplc: cannot write %s (is it read-only?); nothing was stored\n",
-                     PlcDrawSettingFilePath().c_str());
+        std::fprintf(stderr, "qvplc: cannot write the settings: %s; nothing was stored\n",
+                     drawsettings::LastSettingsWriteError().c_str());
         return kExitFailure;
     }
     std::printf("settings stored in %s\n", PlcDrawSettingFilePath().c_str());

@@ -4,8 +4,8 @@
 #include <filesystem>
 
 #include "draw/settings/SettingsText.h"
+#include "files/TextFile.h"
 #include "host/SuiteServices.h"
-#include "host/TextFile.h"
 
 namespace drawsettings {
 namespace {
@@ -94,7 +94,8 @@ std::optional<std::vector<std::string>> ReadSettingLines() {
     if (std::filesystem::is_directory(path, ec)) {
         return std::nullopt;
     }
-    return textfile::ReadLines(path);
+    RememberSettingsRead(path);
+    return files::ReadLines(path);
 }
 
 FormatTerminals LoadFormatTerminals(const std::vector<std::string>* lines) {

@@ -1,11 +1,13 @@
 // qv_libsql SOURCE.sql LIBRARY.db: builds a component library from a text of Access SQL
-// statements, one per line ("--" starts a comment line). The library is written under a
-// temporary name and renamed at the end, so a failed build never leaves half a library.
+// statements, one per line ("--" starts a comment line). The library is built in a scratch
+// file and written through an AtomicFile at the end, so a failed build never leaves half a
+// library.
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
 #include <string>
 
+#include "files/AtomicFile.h"
 #include "plclib/Engine.h"
 
 namespace {
@@ -50,22 +52,28 @@ int main(int argc, char** argv) {
     if (!in) {
         return Fail("cannot read " + source);
     }
-    const std::string temporary = target + ".part";
-    std::error_code ec;
-    std::filesystem::remove(temporary, ec);
-    std::string error;
+    std::string temporary, error;
+    try {
+        temporary = files::ScratchPathFor(target);
+    } catch (const files::FileError& e) {
+        return Fail(e.what());
+    }
+    bool built = false;
     {
         plcdb::Connection db;
-        if (!db.Create(temporary, error) || !db.Execute("BEGIN", error) ||
-            !RunFile(in, source, db, error) || !db.Execute("COMMIT", error) || !db.Close(error)) {
-            std::filesystem::remove(temporary, ec);
-            return Fail(error);
+        built = db.Create(temporary, error) && db.Execute("BEGIN", error) &&
+                RunFile(in, source, db, error) && db.Execute("COMMIT", error) && db.Close(error);
+    }
+    if (built) {
+        try {
+            files::CopyInto(target, temporary);
+        } catch (const files::FileError& e) {
+            built = false;
+            error = e.what();
         }
     }
-    std::filesystem::rename(temporary, target, ec);
-    if (ec) {
-        std::filesystem::remove(temporary, ec);
-        return Fail("cannot write " + target + ": " + ec.message());
-    }
-    return 0;
+    std::error_code ec;
+    std::filesystem::remove(temporary, ec);
+    std::filesystem::remove(temporary + "-journal", ec);
+    return built ? 0 : Fail(error);
 }

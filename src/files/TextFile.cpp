@@ -1,4 +1,7 @@
-#include "host/TextFile.h"
+#include "files/TextFile.h"
+
+#include "files/AtomicFile.h"
+#include "files/FileIdentity.h"
 
 #include <fcntl.h>
 #include <iconv.h>
@@ -7,9 +10,8 @@
 
 #include <cerrno>
 #include <cstring>
-#include <filesystem>
 
-namespace textfile {
+namespace files {
 
 bool IsValidUtf8(std::string_view bytes) {
     size_t i = 0;
@@ -82,41 +84,41 @@ std::string ToUtf8(std::string_view bytes) {
 }
 
 bool ReadWhole(const std::string& path, std::string& bytes, std::string* error) {
-    auto fail = [&](const std::string& what, int why) {
+    try {
+        bytes = ReadWholeFile(path);
+        return true;
+    } catch (const FileError& e) {
         if (error) {
-            *error = path + ": " + what + (why != 0 ? std::string(": ") + std::strerror(why) : "");
+            *error = e.what();
         }
         return false;
-    };
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0) {
-        return fail("cannot be opened", errno);
     }
+}
+
+std::string ReadWholeFile(const std::string& path) {
+    const int fd = OpenForReading(path);
     struct stat st {};
-    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
-        ::close(fd);
-        return fail("is not a regular file", 0);
-    }
-    bytes.resize(static_cast<std::size_t>(st.st_size));
+    ::fstat(fd, &st);
+    std::string bytes(static_cast<std::size_t>(st.st_size), '\0');
     std::size_t done = 0;
-    int failure = 0;
     while (done < bytes.size()) {
         const ssize_t n = ::read(fd, bytes.data() + done, bytes.size() - done);
         if (n < 0 && errno == EINTR) {
             continue;
         }
-        if (n <= 0) {
-            failure = n < 0 ? errno : 0;
-            break;  // at zero, shorter than it was a moment ago: what was read is kept
+        if (n < 0) {
+            const int failure = errno;
+            ::close(fd);
+            throw ErrnoError(path, failure);
+        }
+        if (n == 0) {
+            break;  // shorter than it was a moment ago: what was read is kept
         }
         done += static_cast<std::size_t>(n);
     }
     ::close(fd);
-    if (failure != 0) {
-        return fail("cannot be read", failure);
-    }
     bytes.resize(done);
-    return true;
+    return bytes;
 }
 
 std::string UpperAscii(std::string_view text) {
@@ -150,67 +152,17 @@ std::optional<std::vector<std::string>> ReadLines(const std::string& path) {
     return lines;
 }
 
-bool WriteWhole(const std::string& path, std::string_view content, std::string* error) {
-    namespace fs = std::filesystem;
-    auto fail = [&](const std::string& what) {
+bool WriteWhole(const std::string& path, std::string_view content, std::string* error,
+                WriteOptions options) {
+    try {
+        WriteFile(path, content, std::move(options));
+        return true;
+    } catch (const FileError& e) {
         if (error) {
-            *error = what + " (" + path + "): " + std::strerror(errno);
+            *error = e.what();
         }
         return false;
-    };
-    const fs::path target(path);
-    std::error_code ec;
-    if (target.has_parent_path()) {
-        fs::create_directories(target.parent_path(), ec);
     }
-    std::string temp = path + ".tmpXXXXXX";
-    const int fd = mkstemp(temp.data());
-    if (fd < 0) {
-        return fail("cannot create a temporary file");
-    }
-    size_t written = 0;
-    while (written < content.size()) {
-        const ssize_t n = ::write(fd, content.data() + written, content.size() - written);
-        if (n < 0) {
-            if (errno == EINTR) {
-                continue;
-            }
-            const int saved = errno;
-            ::close(fd);
-            ::unlink(temp.c_str());
-            errno = saved;
-            return fail("cannot write");
-        }
-        written += static_cast<size_t>(n);
-    }
-    if (::fsync(fd) != 0 || ::close(fd) != 0) {
-        const int saved = errno;
-        ::unlink(temp.c_str());
-        errno = saved;
-        return fail("cannot flush");
-    }
-    // Keep the old file's permissions: a read-only settings file stays read-only and
-    // refuses the write, as it would on the Windows suite.
-    struct stat old {};
-    if (::stat(path.c_str(), &old) == 0) {
-        // Mode bits, not access(): the administrator may write anything, yet a file marked
-        // read-only stays so for everyone.
-        if ((old.st_mode & (S_IWUSR | S_IWGRP | S_IWOTH)) == 0) {
-            ::unlink(temp.c_str());
-            errno = EACCES;
-            return fail("the file is read-only");
-        }
-        ::chmod(temp.c_str(), old.st_mode & 07777);
-    } else {
-        ::chmod(temp.c_str(), 0644);
-    }
-    if (::rename(temp.c_str(), path.c_str()) != 0) {
-        const int saved = errno;
-        ::unlink(temp.c_str());
-        errno = saved;
-        return fail("cannot replace");
-    }
-    return true;
 }
 
-}  // namespace textfile
+}  // namespace files
