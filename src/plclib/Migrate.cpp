@@ -202,6 +202,7 @@ bool MigrateLibrary(ITableSource& source, const std::string& target,
     // written through an AtomicFile, so a failed migration never leaves half a library.
     std::string temporary;
     try {
+        files::CheckWritable(target);
         temporary = files::ScratchPathFor(target);
     } catch (const files::FileError& e) {
         error = e.what();

@@ -54,6 +54,7 @@ int main(int argc, char** argv) {
     }
     std::string temporary, error;
     try {
+        files::CheckWritable(target);
         temporary = files::ScratchPathFor(target);
     } catch (const files::FileError& e) {
         return Fail(e.what());
