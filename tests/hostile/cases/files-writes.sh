@@ -275,7 +275,30 @@ case_concurrent_settings() {
         fail concurrent-settings-lose-nothing "$lost changes lost in 5 trials"
 }
 
+# --- a draw killed at any moment -----------------------------------------------------------------
+case_killed_draw() {
+    export ZANDRIX_LOCAL_DIR=$(local_dir)
+    local d="$ZANDRIX_LOCAL_DIR/killed.dxf" bad="" delay i
+    for i in $(seq 1 12); do
+        draw "$d" "K$i"
+    done
+    for delay in 0.02 0.05 0.08 0.1 0.15 0.2 0.3; do
+        "$QVPLC" draw "$MODULE" --tag KILLED --at 0,-500 --drawing "$d" >/dev/null 2>&1 &
+        local pid=$!
+        sleep "$delay"
+        kill -9 "$pid" 2>/dev/null
+        wait "$pid" 2>/dev/null
+        timeout 20 "$QVPLC" dxf info "$d" >/dev/null 2>&1 || bad="$bad unreadable after ${delay}s;"
+        grep -q '^K12$' "$d" || bad="$bad K12 lost after ${delay}s;"
+    done
+    local stray=$(find "$ZANDRIX_LOCAL_DIR" -name '.qv~*' | head -1)
+    [ -n "$stray" ] && bad="$bad left $stray;"
+    [ -z "$bad" ] && ok killed-draw-leaves-the-drawing-and-nothing-else ||
+        fail killed-draw-leaves-the-drawing-and-nothing-else "$bad"
+}
+
 case_concurrent_draws
+case_killed_draw
 case_modes_and_links
 case_same_input_and_output
 case_odd_paths
