@@ -325,11 +325,16 @@ bool SaveDrawing(const cad::Database& db, const DrawRequest& request,
     return true;
 }
 
-// The files the command reads besides the drawing: the library, the settings and the symbol.
+// The files the command reads besides the drawing: the library, the settings and the
+// symbols it may draw with (the one named, or those of the formats in the settings).
 std::vector<std::string> OtherInputs(const DrawRequest& request) {
     std::vector<std::string> inputs = {
         suite::PathJoin(suite::GetZandrixLocalInstallPath(), plcdb::kLibraryRelativePath),
         PlcDrawSettingFilePath()};
+    const auto lines = drawsettings::ReadSettingLines();
+    for (const auto& terminal : drawsettings::LoadFormatTerminals(lines ? &*lines : nullptr)) {
+        inputs.push_back(drawsettings::SymbolPathFor(terminal.name));
+    }
     if (!request.symbol.empty()) {
         inputs.push_back(suite::PathJoin(suite::GetZandrixCommonResInstallPath(),
                                          "SYMB2LIB/" + request.symbol + ".dxf"));

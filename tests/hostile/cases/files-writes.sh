@@ -147,6 +147,11 @@ case_same_input_and_output() {
     local lib=$(sum PLC/QvPLC.db)
     draw D.dxf S2 --png PLC/QvPLC.db
     expect_refused png-is-the-library 3 "also an input" PLC/QvPLC.db "$lib"
+    # The terminal symbol the settings draw with, in a common folder of this case's own.
+    cp -r "$QV_SHARE" common
+    local symbol=common/SYMB2LIB/SYMB2_S_KTR5.dxf sym=$(sum common/SYMB2LIB/SYMB2_S_KTR5.dxf)
+    ZANDRIX_COMMON_DIR=$PWD/common draw D.dxf S2 --png "$symbol"
+    expect_refused png-is-the-terminal-symbol 3 "also an input" "$symbol" "$sym"
     run dxf convert D.dxf ./D.dxf --version 2010
     expect_refused convert-onto-its-input 3 "also an input" D.dxf "$before"
     run dxf render D.dxf alias.png
