@@ -124,8 +124,7 @@ Inspected Inspect(const std::string& path, bool createFolders) {
         }
         if (st.st_nlink > 1) {
             throw FileError(ErrorKind::HardLinked, path,
-                            "the file has other hard links; replacing it would split it from "
-                            "them, so it is not written");
+                            "the file has other hard links that replacing it would split off");
         }
         if ((st.st_mode & kWriteBits) == 0) {
             throw FileError(ErrorKind::ReadOnly, path, "the file is read-only");

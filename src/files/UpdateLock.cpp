@@ -27,8 +27,7 @@ UpdateLock::UpdateLock(const std::string& path, std::chrono::milliseconds wait) 
             std::chrono::steady_clock::now() >= deadline) {
             ::close(fd_);
             throw FileError(ErrorKind::Locked, path,
-                            "another process is updating this file; try again when it has "
-                            "finished");
+                            "another process is updating this file; try again later");
         }
         std::this_thread::sleep_for(std::chrono::milliseconds(10));
     }
