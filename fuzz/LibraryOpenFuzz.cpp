@@ -20,7 +20,8 @@ std::string ScratchPath() {
 bool WriteBytes(const std::string& path, const std::uint8_t* data, std::size_t size) {
     std::remove((path + "-journal").c_str());
     FILE* f = std::fopen(path.c_str(), "wb");
-    if (f == nullptr) return false;
+    if (f == nullptr)
+        return false;
     const bool ok = std::fwrite(data, 1, size, f) == size;
     return std::fclose(f) == 0 && ok;
 }
@@ -29,13 +30,16 @@ bool WriteBytes(const std::string& path, const std::uint8_t* data, std::size_t s
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string path = ScratchPath();
-    if (!WriteBytes(path, data, size)) return 0;
+    if (!WriteBytes(path, data, size))
+        return 0;
     CPlcLib lib;
-    if (!lib.Open(path)) return 0;
+    if (!lib.Open(path))
+        return 0;
     lib.LoadLibrary();
     int loaded = 0;
     for (const auto& entry : lib.Entries()) {
-        if (entry->code.empty() || ++loaded > 8) continue;
+        if (entry->code.empty() || ++loaded > 8)
+            continue;
         CPlcPartData rows;
         lib.LoadTerminals(entry->manufacturer, entry->series, entry->type, entry->code, rows);
     }

@@ -12,23 +12,9 @@
 
 #include "draw/settings/PlcDrawSettings.h"
 #include "draw/settings/SettingsFile.h"
-#include "host/TextFile.h"
+#include "files/TextFile.h"
 
 namespace {
-
-std::vector<std::string> SplitLines(std::string_view text) {
-    std::vector<std::string> lines;
-    std::size_t start = 0;
-    while (start < text.size()) {
-        std::size_t end = text.find('\n', start);
-        if (end == std::string_view::npos) end = text.size();
-        std::string_view line = text.substr(start, end - start);
-        if (!line.empty() && line.back() == '\r') line.remove_suffix(1);
-        lines.emplace_back(line);
-        start = end + 1;
-    }
-    return lines;
-}
 
 std::string LoadAndWrite(const std::vector<std::string>& lines) {
     PlcDrawSettings settings;
@@ -41,11 +27,11 @@ std::string LoadAndWrite(const std::vector<std::string>& lines) {
 
 extern "C" int LLVMFuzzerTestOneInput(const std::uint8_t* data, std::size_t size) {
     const std::string text =
-        textfile::ToUtf8(std::string_view(reinterpret_cast<const char*>(data), size));
+        files::ToUtf8(std::string_view(reinterpret_cast<const char*>(data), size));
     constexpr int kSaves = 12;
-    std::string written = LoadAndWrite(SplitLines(text));
+    std::string written = LoadAndWrite(files::SplitLines(text));
     for (int save = 0; save < kSaves; ++save) {
-        std::string again = LoadAndWrite(SplitLines(written));
+        std::string again = LoadAndWrite(files::SplitLines(written));
         if (again == written) {
             return 0;
         }

@@ -9,8 +9,8 @@
 namespace cli {
 
 struct OptionSpec {
-    std::string name;      // without the leading "--"
-    std::string valueName; // empty for a flag
+    std::string name;       // without the leading "--"
+    std::string valueName;  // empty for a flag
     std::string help;
     bool repeatable = false;
 };
@@ -26,10 +26,10 @@ struct ParsedArgs {
 };
 
 struct CommandSpec {
-    std::string usage;        // e.g. "qvplc lib show M/S/T/CODE"
-    std::string summary;      // one paragraph that teaches what the command does
+    std::string usage;    // e.g. "qvplc lib show M/S/T/CODE"
+    std::string summary;  // one paragraph that teaches what the command does
     std::vector<OptionSpec> options;
-    std::string details;      // examples and notes, printed after the options
+    std::string details;  // examples and notes, printed after the options
 };
 
 // Parses `args` against `command`. On a usage error prints it with a hint and returns nullopt.

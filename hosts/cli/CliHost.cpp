@@ -5,7 +5,7 @@
 #include <sstream>
 
 #include "Messages.h"
-#include "host/TextFile.h"
+#include "files/TextFile.h"
 
 namespace cli {
 namespace {
@@ -89,7 +89,7 @@ int CliHost::RunPendingCommands() {
         std::string line;
         while (std::getline(lines, line)) {
             const auto it = std::find_if(commands_.begin(), commands_.end(), [&](const Command& c) {
-                return c.name == textfile::UpperAscii(line);
+                return c.name == files::UpperAscii(line);
             });
             if (it != commands_.end()) {
                 it->handler();
@@ -119,7 +119,7 @@ host::InputStatus CliHost::Drag(cad::Handle, std::string_view prompt, const host
 }
 
 std::string CliHost::GetVariable(std::string_view name) {
-    const auto it = variables.find(textfile::UpperAscii(name));
+    const auto it = variables.find(files::UpperAscii(name));
     return it == variables.end() ? std::string() : it->second;
 }
 
@@ -134,7 +134,7 @@ void CliHost::SetEnvironment(std::string_view name, std::string_view value) {
 
 bool CliHost::AddCommand(std::string_view group, std::string_view globalName, std::string_view, int,
                          host::CommandHandler handler) {
-    commands_.push_back({std::string(group), textfile::UpperAscii(globalName), std::move(handler)});
+    commands_.push_back({std::string(group), files::UpperAscii(globalName), std::move(handler)});
     return true;
 }
 

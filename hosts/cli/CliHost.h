@@ -1,6 +1,7 @@
 // The command-line host: command-line printing and message boxes go to standard error, one
-// prefixed line each (standard output is for results), questions are answered by --yes / --no (and refused when neither was
-// given), and points come from options, in the order the command will ask for them.
+// prefixed line each (standard output is for results), questions are answered by --yes / --no (and
+// refused when neither was given), and points come from options, in the order the command will ask
+// for them.
 #pragma once
 
 #include <deque>
@@ -19,7 +20,7 @@ public:
     Answer answer = Answer::None;
     std::deque<cad::Point3d> points;  // answers to GetPoint and Drag, in order
     cad::Database* database = nullptr;
-    bool quiet = false;               // suppress command-line printing
+    bool quiet = false;  // suppress command-line printing
     // True once a question went unanswered or a point was missing: the exit code says so.
     bool declined = false;
 
@@ -43,9 +44,8 @@ public:
     std::string GetVariable(std::string_view name) override;
     std::string GetEnvironment(std::string_view name) override;
     void SetEnvironment(std::string_view name, std::string_view value) override;
-    bool AddCommand(std::string_view group, std::string_view globalName,
-                    std::string_view localName, int flags,
-                    host::CommandHandler handler) override;
+    bool AddCommand(std::string_view group, std::string_view globalName, std::string_view localName,
+                    int flags, host::CommandHandler handler) override;
     void RemoveGroup(std::string_view group) override;
 
     std::map<std::string, std::string> variables;

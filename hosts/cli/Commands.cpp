@@ -2,10 +2,10 @@
 
 namespace cli {
 
-int RunDxf(const Arguments& args, CliHost& host);  // DxfCommands.cpp
-int RunDraw(const Arguments& args, CliHost& host);  // DrawCommand.cpp
+int RunDxf(const Arguments& args, CliHost& host);       // DxfCommands.cpp
+int RunDraw(const Arguments& args, CliHost& host);      // DrawCommand.cpp
 int RunSettings(const Arguments& args, CliHost& host);  // SettingsCommands.cpp
-int RunLib(const Arguments& args, CliHost& host);  // LibCommands.cpp
+int RunLib(const Arguments& args, CliHost& host);       // LibCommands.cpp
 
 const std::vector<CommandGroup>& Groups() {
     static const std::vector<CommandGroup> groups = {

@@ -18,6 +18,7 @@
 #include "Args.h"
 #include "Commands.h"
 #include "ExitCodes.h"
+#include "FileErrors.h"
 #include "LibraryCheck.h"
 #include "app/PlcRendalApp.h"
 #include "app/PlcRendalMain.h"
@@ -28,7 +29,10 @@
 #include "draw/ModuleParts.h"
 #include "draw/settings/SettingRanges.h"
 #include "draw/settings/SettingsFile.h"
+#include "files/AtomicFile.h"
+#include "files/UpdateLock.h"
 #include "host/SuiteServices.h"
+#include "plclib/PlcLib.h"
 
 namespace cli {
 
@@ -303,7 +307,7 @@ bool ParseOptions(const ParsedArgs& args, DrawRequest& request) {
 
 // Reads the drawing to add to, or makes a new one. Null after a reported error.
 std::unique_ptr<cad::Database> OpenDrawing(const std::string& path) {
-    if (!std::filesystem::exists(path)) {
+    if (!files::Identify(path).exists) {
         return std::make_unique<cad::Database>();
     }
     std::string error;
@@ -317,10 +321,11 @@ std::unique_ptr<cad::Database> OpenDrawing(const std::string& path) {
 
 // The host variables of the drawing, as a CAD host has them for an open file.
 void DescribeDrawing(CliHost& host, const std::string& path) {
-    const std::filesystem::path file = std::filesystem::absolute(path);
+    std::error_code ec;
+    const std::filesystem::path file = std::filesystem::absolute(path, ec);
     host.variables["DWGPREFIX"] = (file.parent_path() / "").string();
     host.variables["DWGNAME"] = file.filename().string();
-    host.variables["DWGTITLED"] = std::to_string(std::filesystem::exists(file) ? 1 : 0);
+    host.variables["DWGTITLED"] = std::to_string(std::filesystem::exists(file, ec) ? 1 : 0);
 }
 
 // Takes a drawing format with its own terminal from the settings file, as choosing it on the
@@ -391,9 +396,16 @@ bool FillDialog(CDlgPlcRendal& dlg, const DrawRequest& request) {
     return true;
 }
 
-bool SaveDrawing(const cad::Database& db, const DrawRequest& request) {
+// `before` is the drawing as it was read: the save is refused when it changed meanwhile.
+bool SaveDrawing(const cad::Database& db, const DrawRequest& request,
+                 const files::Identity& before) {
+    files::WriteOptions options;
+    options.expected = before;
     try {
-        cad::WriteDxfFile(db, request.drawing, cad::VersionForSaveFormat(request.saveFormat));
+        cad::WriteDxfFile(db, request.drawing, cad::VersionForSaveFormat(request.saveFormat),
+                          options);
+    } catch (const files::FileError&) {
+        throw;
     } catch (const std::exception& e) {
         std::fprintf(stderr, "qvplc draw: cannot write %s: %s\n", request.drawing.c_str(),
                      e.what());
@@ -463,6 +475,42 @@ void ReportMissingPieces(const CDlgPlcRendal& dlg, const DrawRequest& request) {
         static_cast<long long>(given) + more);
 }
 
+// The files the command reads besides the drawing: the library, the settings and the
+// symbols it may draw with (the one named, or those of the formats in the settings).
+std::vector<std::string> OtherInputs(const DrawRequest& request) {
+    std::vector<std::string> inputs = {
+        suite::PathJoin(suite::GetZandrixLocalInstallPath(), plcdb::kLibraryRelativePath),
+        PlcDrawSettingFilePath()};
+    const auto lines = drawsettings::ReadSettingLines();
+    for (const auto& terminal : drawsettings::LoadFormatTerminals(lines ? &*lines : nullptr)) {
+        inputs.push_back(drawsettings::SymbolPathFor(terminal.name));
+    }
+    if (!request.symbol.empty()) {
+        inputs.push_back(suite::PathJoin(suite::GetZandrixCommonResInstallPath(),
+                                         "SYMB2LIB/" + request.symbol + ".dxf"));
+    }
+    return inputs;
+}
+
+// Refuses, before anything is drawn or written, outputs that are inputs too or that cannot
+// be written. FileError says which and why.
+void CheckOutputs(const DrawRequest& request) {
+    const auto inputs = OtherInputs(request);
+    files::RefuseNonRegular(request.drawing);
+    for (const std::string& input : inputs) {
+        files::RefuseSameFile(request.drawing, input);
+    }
+    files::CheckWritable(request.drawing);
+    if (request.png.empty()) {
+        return;
+    }
+    files::RefuseSameFile(request.png, request.drawing);
+    for (const std::string& input : inputs) {
+        files::RefuseSameFile(request.png, input);
+    }
+    files::CheckWritable(request.png);
+}
+
 // Loads the plug-in, draws through the dialog and the queued command; the exit code.
 int DrawThroughDialog(const DrawRequest& request, CliHost& host, cad::Database& db) {
     app::CPlcRendalApp plugin;
@@ -504,6 +552,24 @@ int DrawThroughDialog(const DrawRequest& request, CliHost& host, cad::Database& 
     return exitCode;
 }
 
+// Reads, draws and writes under the drawing's update lock, so that two draws into one file
+// never lose a module; the exit code. FileError for a file that cannot be used.
+int DrawAndSave(const DrawRequest& request, CliHost& host) {
+    CheckOutputs(request);
+    const files::UpdateLock lock(request.drawing);
+    const files::Identity before = files::Identify(request.drawing);
+    auto db = OpenDrawing(request.drawing);
+    if (!db) {
+        return kExitBadInput;
+    }
+    DescribeDrawing(host, request.drawing);
+    const int exitCode = DrawThroughDialog(request, host, *db);
+    if (exitCode != kExitOk) {
+        return exitCode;
+    }
+    return SaveDrawing(*db, request, before) ? kExitOk : kExitCannotWrite;
+}
+
 }  // namespace
 
 int RunDraw(const Arguments& args, CliHost& host) {
@@ -532,16 +598,11 @@ int RunDraw(const Arguments& args, CliHost& host) {
     if (!SplitModule(parsed->positional[0], request) || !ParseOptions(*parsed, request)) {
         return kExitUsage;
     }
-    auto db = OpenDrawing(request.drawing);
-    if (!db) {
-        return kExitBadInput;
+    try {
+        return DrawAndSave(request, host);
+    } catch (const files::FileError& e) {
+        return ReportFileError("qvplc draw", e);
     }
-    DescribeDrawing(host, request.drawing);
-    const int exitCode = DrawThroughDialog(request, host, *db);
-    if (exitCode != kExitOk) {
-        return exitCode;
-    }
-    return SaveDrawing(*db, request) ? kExitOk : kExitCannotWrite;
 }
 
 }  // namespace cli

@@ -8,8 +8,10 @@
 #include "Args.h"
 #include "Commands.h"
 #include "ExitCodes.h"
+#include "FileErrors.h"
 #include "cad/Dxf.h"
 #include "cad/render/Render.h"
+#include "files/AtomicFile.h"
 
 namespace cli {
 
@@ -183,12 +185,20 @@ int RunConvert(const Arguments& args) {
                      versionText ? (", not '" + *versionText + "'").c_str() : "");
         return kExitUsage;
     }
+    try {
+        files::RefuseSameFile(parsed->positional[1], parsed->positional[0]);
+        files::CheckWritable(parsed->positional[1]);
+    } catch (const files::FileError& e) {
+        return ReportFileError("qvplc dxf convert", e);
+    }
     const auto db = Load(parsed->positional[0]);
     if (!db) {
         return kExitBadInput;
     }
     try {
         cad::WriteDxfFile(*db, parsed->positional[1], *version);
+    } catch (const files::FileError& e) {
+        return ReportFileError("qvplc dxf convert", e);
     } catch (const std::exception& e) {
         std::fprintf(stderr, "qvplc dxf: %s: %s\n", parsed->positional[1].c_str(), e.what());
         return kExitCannotWrite;
@@ -224,6 +234,12 @@ int RunRender(const Arguments& args) {
     options.block = parsed->Value("block").value_or("");
     if (parsed->Has("dark")) {
         options.picture.background = {0, 0, 0};
+    }
+    try {
+        files::RefuseSameFile(parsed->positional[1], parsed->positional[0]);
+        files::CheckWritable(parsed->positional[1]);
+    } catch (const files::FileError& e) {
+        return ReportFileError("qvplc dxf render", e);
     }
     const auto db = Load(parsed->positional[0]);
     if (!db) {

@@ -49,4 +49,20 @@ int ExitCodeFor(FileTrouble trouble) {
     return kExitInternal;
 }
 
+int ExitCodeFor(const files::FileError& error) {
+    switch (error.Kind()) {
+        case files::ErrorKind::SameFile:
+            return kExitUsage;
+        case files::ErrorKind::Locked:
+            return ExitCodeFor(FileTrouble::InUse);
+        case files::ErrorKind::ChangedOnDisk:
+            return ExitCodeFor(FileTrouble::ChangedOnDisk);
+        case files::ErrorKind::NotFound:
+        case files::ErrorKind::NotRegular:
+            return ExitCodeFor(FileTrouble::Unreadable);
+        default:
+            return ExitCodeFor(FileTrouble::CannotWrite);
+    }
+}
+
 }  // namespace cli

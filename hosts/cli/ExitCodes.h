@@ -3,6 +3,8 @@
 
 #include <string>
 
+#include "files/FileError.h"
+
 namespace cli {
 
 inline constexpr int kExitOk = 0;           // the command did what was asked
@@ -34,5 +36,8 @@ enum class FileTrouble {
     CannotWrite,    // permission, read-only file or folder, missing folder, name too long
 };
 int ExitCodeFor(FileTrouble trouble);
+// The file layer's error kinds, through FileTrouble. An output that is also an input is a
+// usage error.
+int ExitCodeFor(const files::FileError& error);
 
 }  // namespace cli

@@ -9,7 +9,9 @@
 #include "Args.h"
 #include "Commands.h"
 #include "ExitCodes.h"
+#include "FileErrors.h"
 #include "LibraryCheck.h"
+#include "files/AtomicFile.h"
 #include "host/SuiteServices.h"
 #include "plclib/LibrarySql.h"
 #include "plclib/LibraryTree.h"
@@ -162,13 +164,25 @@ void DrawProgress(size_t done, size_t total) {
 
 int RunMigrate(const ParsedArgs& args) {
     const std::string source = args.positional[0];
+    const std::string target = LibraryPath(args);
+    try {
+        if (!args.Has("library")) {
+            // PLC/ under the local folder is the suite's own folder; a named one is not.
+            std::error_code ec;
+            std::filesystem::create_directories(files::FolderOf(target), ec);
+        }
+        files::RefuseNonRegular(source);
+        files::RefuseSameFile(target, source);
+        files::CheckWritable(target);
+    } catch (const files::FileError& e) {
+        return ReportFileError("qvplc lib migrate", e);
+    }
     plcdb::AccessReader reader;
     std::string error;
     if (!reader.Open(source, error)) {
         std::fprintf(stderr, "qvplc lib: %s\n", error.c_str());
         return kExitBadInput;
     }
-    const std::string target = LibraryPath(args);
     plcdb::MigrationOptions options;
     options.force = args.Has("force");
     options.progress = DrawProgress;

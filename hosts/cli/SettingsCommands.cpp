@@ -12,10 +12,13 @@
 #include "Args.h"
 #include "Commands.h"
 #include "ExitCodes.h"
+#include "FileErrors.h"
 #include "draw/settings/PLCSettingSheetDlg.h"
 #include "draw/settings/SettingRanges.h"
 #include "draw/settings/SettingsFile.h"
 #include "draw/settings/SettingsText.h"
+#include "files/FileIdentity.h"
+#include "files/UpdateLock.h"
 
 namespace cli {
 namespace {
@@ -333,6 +336,8 @@ int RunShow(const Arguments& args) {
     return kExitOk;
 }
 
+int SetUnderLock(const Changes& changes);
+
 int RunSet(const Arguments& args) {
     const auto parsed = Parse(kSetSpec, args);
     if (!parsed) {
@@ -348,6 +353,21 @@ int RunSet(const Arguments& args) {
     if (!ReadChanges(parsed->positional, changes)) {
         return kExitUsage;
     }
+    // LocalData is the suite's own folder. The whole change runs under the file's update
+    // lock, so that two changes at once never lose one of them.
+    const std::string path = PlcDrawSettingFilePath();
+    std::error_code ec;
+    std::filesystem::create_directories(files::FolderOf(path), ec);
+    try {
+        files::RefuseNonRegular(path);
+        const files::UpdateLock lock(path);
+        return SetUnderLock(changes);
+    } catch (const files::FileError& e) {
+        return ReportFileError("qvplc settings set", e);
+    }
+}
+
+int SetUnderLock(const Changes& changes) {
     PlcDrawSettings settings;
     InitPlcDrawSettings(settings);
     bool written = false;
@@ -361,9 +381,8 @@ int RunSet(const Arguments& args) {
         return kExitFailure;
     }
     if (!written) {
-        std::fprintf(stderr,
-                     "qvplc settings: cannot write %s (is it read-only?); nothing was stored\n",
-                     PlcDrawSettingFilePath().c_str());
+        std::fprintf(stderr, "qvplc settings: cannot write the settings: %s; nothing was stored\n",
+                     drawsettings::LastSettingsWriteError().c_str());
         return kExitCannotWrite;
     }
     std::printf("settings stored in %s\n", PlcDrawSettingFilePath().c_str());

@@ -84,10 +84,13 @@ std::string VersionText() {
 }
 
 int Guarded(const std::function<int()>& command) {
-    // The file layer's own error type, once it reaches this program, is caught here before
-    // std::exception and mapped through ExitCodeFor(FileTrouble).
+    // The file layer's own errors are caught before std::exception and mapped through the
+    // one exit-code table.
     try {
         return command();
+    } catch (const files::FileError& e) {
+        Complainf("%s", e.what());
+        return ExitCodeFor(e);
     } catch (const std::filesystem::filesystem_error& e) {
         const std::string path = e.path1().empty() ? std::string() : e.path1().string() + ": ";
         Complainf("%s%s", path.c_str(), e.code().message().c_str());

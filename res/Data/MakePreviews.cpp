@@ -65,7 +65,7 @@ bool WritePreview(const Preview& preview, const std::filesystem::path& symbols,
     cad::ExplodeAllReferences(db);
     try {
         cad::WriteDxfFile(db, (out / preview.file).string(), cad::DxfVersion::R2010);
-    } catch (const cad::DxfError& e) {
+    } catch (const std::exception& e) {
         std::fprintf(stderr, "qv_make_previews: %s: %s\n", preview.file, e.what());
         return false;
     }

@@ -63,8 +63,8 @@ void ShowDialog(CDlgPlcRendal& dlg) {
 // the next fetch from the server replaces it.
 void PrepareNetworkCopy(const std::string& libraryPath) {
     const int style = suite::GetCurZandrixInstallStyle();
-    if ((style == 1 || style == 2) && !std::filesystem::exists(libraryPath)) {
-        std::error_code ec;
+    std::error_code ec;
+    if ((style == 1 || style == 2) && !std::filesystem::exists(libraryPath, ec)) {
         std::filesystem::remove(
             suite::PathJoin(suite::GetZandrixLocalInstallPath(), "PLC/QvPLC.tim"), ec);
     }
@@ -112,7 +112,8 @@ void CPlcRendalMain::RunRendal() {
     PrepareNetworkCopy(LibraryPath());
     WaitCursor wait;
     const std::string path = LibraryPath();
-    if (!std::filesystem::exists(path)) {
+    std::error_code ec;
+    if (!std::filesystem::exists(path, ec)) {
         host::ShowMessage(Format("PLC元件数据库文件%s不存在", path), "Zandrix 消息",
                           host::MsgIcon::Error);
         return;

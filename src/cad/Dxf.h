@@ -19,6 +19,7 @@
 #include <string_view>
 
 #include "cad/Database.h"
+#include "files/AtomicFile.h"
 
 namespace cad {
 
@@ -79,7 +80,10 @@ bool WriteDxf(const Database& db, DxfVersion version, TagSink& sink);
 // file (a control character, a literal "\U+" escape, an application name R14 cannot hold,
 // a number that is not finite).
 std::string WriteDxfString(const Database& db, DxfVersion version, bool* exact = nullptr);
-// Writes the file atomically (temporary file, then rename). Throws DxfError.
-void WriteDxfFile(const Database& db, const std::string& path, DxfVersion version);
+// Writes the file through a files::AtomicFile (see its header for the policy). Throws
+// DxfError when the drawing cannot be written as a file, files::FileError when the file
+// cannot be written.
+void WriteDxfFile(const Database& db, const std::string& path, DxfVersion version,
+                  const files::WriteOptions& options = {});
 
 }  // namespace cad

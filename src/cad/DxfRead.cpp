@@ -12,6 +12,7 @@
 #include "cad/Encoding.h"
 #include "cad/Limits.h"
 #include "cad/NumberText.h"
+#include "files/FileIdentity.h"
 
 namespace cad {
 
@@ -433,15 +434,15 @@ std::unique_ptr<Database> ReadDxfString(std::string_view data, const std::string
 
 std::unique_ptr<Database> ReadDxfFile(const std::string& path) {
     // Read-only and unlocked: a drawing another program holds open can still be read.
-    const int fd = ::open(path.c_str(), O_RDONLY | O_CLOEXEC);
-    if (fd < 0) {
-        throw DxfError(path, 0, std::string("cannot be opened: ") + std::strerror(errno));
+    // A FIFO or a device is refused at once, never waited on.
+    int fd = -1;
+    try {
+        fd = files::OpenForReading(path);
+    } catch (const files::FileError& e) {
+        throw DxfError(path, 0, e.Reason());
     }
     struct stat st {};
-    if (::fstat(fd, &st) != 0 || !S_ISREG(st.st_mode)) {
-        ::close(fd);
-        throw DxfError(path, 0, "is not a regular file");
-    }
+    ::fstat(fd, &st);
     if (st.st_size == 0) {
         ::close(fd);
         throw DxfError(path, 0, "the file is empty");

@@ -583,10 +583,10 @@ std::string WriteDxfString(const Database& db, DxfVersion version, bool* exact) 
 
 namespace {
 
-// Streams the tags into a temporary file beside the target; the caller renames it.
+// Streams the tags into the atomic file in large pieces.
 class FileSink : public TagSink {
 public:
-    explicit FileSink(int fd) : fd_(fd) {}
+    explicit FileSink(files::AtomicFile& file) : file_(file) {}
     void Put(int code, std::string_view value) override {
         text_.Put(code, value);
         if (text_.Size() >= kChunk) {
@@ -594,56 +594,27 @@ public:
         }
     }
     void Flush() {
-        std::size_t done = 0;
-        while (ok_ && done < text_.Size()) {
-            const ssize_t n = ::write(fd_, text_.Data() + done, text_.Size() - done);
-            if (n < 0 && errno == EINTR) {
-                continue;
-            }
-            ok_ = n > 0;
-            error_ = ok_ ? 0 : errno;
-            done += ok_ ? static_cast<std::size_t>(n) : 0;
-        }
+        file_.Write(std::string_view(text_.Data(), text_.Size()));
         text_.Clear();
     }
-    bool Ok() const { return ok_; }
-    int Error() const { return error_; }
 
 private:
     static constexpr std::size_t kChunk = 1 << 20;
-    int fd_;
+    files::AtomicFile& file_;
     std::string buffer_;
     TextSink text_{buffer_};
-    bool ok_ = true;
-    int error_ = 0;
 };
 
 }  // namespace
 
-void WriteDxfFile(const Database& db, const std::string& path, DxfVersion version) {
+void WriteDxfFile(const Database& db, const std::string& path, DxfVersion version,
+                  const files::WriteOptions& options) {
     RequireAudit(db, path);
-    const std::filesystem::path target(path);
-    std::error_code ec;
-    if (target.has_parent_path()) {
-        std::filesystem::create_directories(target.parent_path(), ec);
-    }
-    std::string temp = path + ".tmpXXXXXX";
-    const int fd = ::mkstemp(temp.data());
-    if (fd < 0) {
-        throw DxfError(path, 0, std::string("cannot be written: ") + std::strerror(errno));
-    }
-    FileSink sink(fd);
+    files::AtomicFile file(path, options);
+    FileSink sink(file);
     dxfwrite::Writer(db, version, sink).Run();
     sink.Flush();
-    const bool synced = sink.Ok() && ::fsync(fd) == 0;
-    const int error = sink.Ok() ? errno : sink.Error();
-    ::fchmod(fd, 0644);
-    const bool closed = ::close(fd) == 0;
-    if (!synced || !closed || ::rename(temp.c_str(), path.c_str()) != 0) {
-        const int why = synced && closed ? errno : error;
-        ::unlink(temp.c_str());
-        throw DxfError(path, 0, std::string("cannot be written: ") + std::strerror(why));
-    }
+    file.Commit();
 }
 
 }  // namespace cad

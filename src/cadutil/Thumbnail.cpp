@@ -1,6 +1,7 @@
 #include "cadutil/Thumbnail.h"
 
 #include <cstdlib>
+#include <filesystem>
 #include <fstream>
 
 namespace cadutil {
@@ -44,6 +45,10 @@ bool NextTag(std::istream& in, cad::Tag& tag) {
 }  // namespace
 
 std::optional<cad::TagList> ReadThumbnail(const std::string& path) {
+    std::error_code ec;
+    if (!std::filesystem::is_regular_file(path, ec)) {
+        return std::nullopt;  // nothing to keep; a FIFO would block the read
+    }
     std::ifstream in(path, std::ios::binary);
     if (!in) {
         return std::nullopt;

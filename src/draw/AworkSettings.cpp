@@ -3,8 +3,8 @@
 #include <charconv>
 #include <cmath>
 
+#include "files/TextFile.h"
 #include "host/SuiteServices.h"
-#include "host/TextFile.h"
 
 namespace draw {
 namespace {
@@ -83,7 +83,7 @@ AworkSettings ParseAworkSettings(const std::vector<std::string>& lines) {
 }
 
 AworkSettings LoadAworkSettings(const std::string& path) {
-    const auto lines = textfile::ReadLines(path);
+    const auto lines = files::ReadLines(path);
     if (!lines) {
         return AworkSettings{};
     }

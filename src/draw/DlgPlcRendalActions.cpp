@@ -19,7 +19,8 @@ constexpr const char* kLocationRecord = "QV_LOCATION_XRECORD";
 // The location stored in a saved drawing; empty when the drawing was never saved under a
 // name, cannot be read, or holds none.
 std::string ReadDrawingLocation(const std::string& path, bool titled) {
-    if (!titled || path.empty() || !std::filesystem::is_regular_file(path)) {
+    std::error_code ec;
+    if (!titled || path.empty() || !std::filesystem::is_regular_file(path, ec)) {
         return {};
     }
     std::string error;
@@ -112,7 +113,8 @@ bool CDlgPlcRendal::PrepareDraw() {
         termLength = 5.0f;
         componentType = 1;
     }
-    if (!std::filesystem::is_regular_file(termSymbolPath)) {
+    std::error_code ec;
+    if (!std::filesystem::is_regular_file(termSymbolPath, ec)) {
         host::ShowMessage(Format2("符号%s对应库文件%s已被破坏,请选择另外的符号！", termSymbolName,
                                   termSymbolPath),
                           "Zandrix", host::MsgIcon::Exclamation);

@@ -4,16 +4,16 @@
 // the following siblings of its ancestors. Types fill in their module nodes only when the
 // walk reaches them, as a selection does.
 #include "draw/DlgPlcRendal.h"
+#include "files/TextFile.h"
 #include "host/Host.h"
-#include "host/TextFile.h"
 
 bool CDlgPlcRendal::MatchesSearch(const std::string& code) const {
     if (matchMode == 0) {
         return code.size() >= searchText.size() &&
-               textfile::UpperAscii(code.substr(0, searchText.size())) ==
-                   textfile::UpperAscii(searchText);
+               files::UpperAscii(code.substr(0, searchText.size())) ==
+                   files::UpperAscii(searchText);
     }
-    return textfile::UpperAscii(code).find(textfile::UpperAscii(searchText)) != std::string::npos;
+    return files::UpperAscii(code).find(files::UpperAscii(searchText)) != std::string::npos;
 }
 
 draw::TreeNode* CDlgPlcRendal::SearchSubtree(draw::TreeNode* node) {

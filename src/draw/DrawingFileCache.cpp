@@ -1,13 +1,13 @@
 #include "draw/DrawingFileCache.h"
 
 #include "cad/Dxf.h"
-#include "host/TextFile.h"
+#include "files/TextFile.h"
 
 namespace draw {
 
 const cad::Database* DrawingFileCache::Read(const std::string& path, std::string& error) {
     std::string bytes;
-    if (!textfile::ReadWhole(path, bytes, &error)) {
+    if (!files::ReadWhole(path, bytes, &error)) {
         Forget();
         return nullptr;
     }

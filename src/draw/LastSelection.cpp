@@ -1,7 +1,7 @@
 #include "draw/LastSelection.h"
 
+#include "files/TextFile.h"
 #include "host/SuiteServices.h"
-#include "host/TextFile.h"
 
 namespace draw {
 
@@ -11,7 +11,7 @@ std::string LastSelectionPath() {
 
 LastSelection ReadLastSelection(const std::string& path) {
     LastSelection selection;
-    const auto lines = textfile::ReadLines(path);
+    const auto lines = files::ReadLines(path);
     if (!lines) {
         return selection;
     }
@@ -26,7 +26,9 @@ LastSelection ReadLastSelection(const std::string& path) {
 bool WriteLastSelection(const LastSelection& selection, const std::string& path) {
     const std::string content = selection.manufacturer + "\n" + selection.series + "\n" +
                                 selection.type + "\n" + selection.code + "\n";
-    return textfile::WriteWhole(path, content);
+    files::WriteOptions options;
+    options.createFolders = true;  // LocalData is the suite's own folder
+    return files::WriteWhole(path, content, nullptr, options);
 }
 
 }  // namespace draw

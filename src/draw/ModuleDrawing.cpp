@@ -1,9 +1,6 @@
 #include "draw/ModuleDrawing.h"
 
-#include <unistd.h>
-
 #include <filesystem>
-#include <fstream>
 
 #include "cad/Dxf.h"
 #include "cad/Operations.h"
@@ -11,6 +8,7 @@
 #include "draw/DlgPlcRendal.h"
 #include "draw/DrawingFileCache.h"
 #include "draw/ModuleParts.h"
+#include "files/TextFile.h"
 #include "host/Host.h"
 #include "host/SuiteServices.h"
 
@@ -84,9 +82,9 @@ void DrawTerminals(DrawContext& ctx, const TermLists& lists) {
 }
 
 // The preview is scratch, read back at once and rewritten by the next drawing: it is
-// written whole (a temporary file renamed over it) in the user's save format, but not
-// synced to disk, which would cost more than drawing the module. `text` is what was written;
-// `exact` whether it reads back as `db` holds it.
+// written whole (through an AtomicFile) in the user's save format, but not synced to disk, which
+// would cost more than drawing the module. `text` is what was written; `exact` whether it reads
+// back as `db` holds it.
 bool WriteScratchDrawing(const cad::Database& db, const std::string& path, std::string& text,
                          bool& exact, std::string& error) {
     try {
@@ -96,27 +94,10 @@ bool WriteScratchDrawing(const cad::Database& db, const std::string& path, std::
         error = e.what();
         return false;
     }
-    std::error_code ec;
-    const std::filesystem::path target(path);
-    std::filesystem::create_directories(target.parent_path(), ec);
-    const std::filesystem::path temp = target.string() + ".tmp" + std::to_string(::getpid());
-    {
-        std::ofstream out(temp, std::ios::binary | std::ios::trunc);
-        out.write(text.data(), static_cast<std::streamsize>(text.size()));
-        out.close();
-        if (!out) {
-            error = "cannot write " + temp.string();
-            std::filesystem::remove(temp, ec);
-            return false;
-        }
-    }
-    std::filesystem::rename(temp, target, ec);
-    if (ec) {
-        error = ec.message();
-        std::filesystem::remove(temp, ec);
-        return false;
-    }
-    return true;
+    files::WriteOptions options;
+    options.sync = false;
+    options.createFolders = true;  // Temp is the suite's own folder
+    return files::WriteWhole(path, text, &error, options);
 }
 
 std::string PreviewPath() {
@@ -187,7 +168,8 @@ int WriteModulePreview(CDlgPlcRendal& dlg, int outlineOnly) {
 
 int DragPlaceModule(CDlgPlcRendal& dlg, cad::Point3d& out, int keep) {
     const std::string path = draw::PreviewPath();
-    if (!std::filesystem::is_regular_file(path)) {
+    std::error_code ec;
+    if (!std::filesystem::is_regular_file(path, ec)) {
         return 0;
     }
     std::string error;

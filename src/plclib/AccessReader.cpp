@@ -51,7 +51,8 @@ AccessReader::~AccessReader() {
 
 bool AccessReader::Open(const std::string& path, std::string& error) {
     Close();
-    if (!std::filesystem::exists(path)) {
+    std::error_code ec;
+    if (!std::filesystem::exists(path, ec)) {
         error = path + " does not exist";
         return false;
     }

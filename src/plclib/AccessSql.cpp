@@ -4,7 +4,7 @@
 #include <cctype>
 #include <vector>
 
-#include "host/TextFile.h"
+#include "files/TextFile.h"
 
 namespace plcdb {
 namespace {
@@ -68,7 +68,7 @@ std::vector<Token> Tokenize(std::string_view sql) {
 }
 
 bool IsWord(const Token& token, std::string_view upper) {
-    return token.kind == Kind::Word && textfile::UpperAscii(token.text) == upper;
+    return token.kind == Kind::Word && files::UpperAscii(token.text) == upper;
 }
 
 bool IsPunct(const Token& token, char c) {
@@ -167,7 +167,7 @@ std::string TranslateColumn(const std::vector<Token>& tokens, size_t from, size_
         }
     }
     const std::string mapped =
-        MapColumnType(name.text, textfile::UpperAscii(tokens[typeAt].text), size);
+        MapColumnType(name.text, files::UpperAscii(tokens[typeAt].text), size);
     if (mapped.empty()) {
         return EmitRange(tokens, from, to);
     }

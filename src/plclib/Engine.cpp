@@ -8,6 +8,7 @@
 #include <filesystem>
 #include <fstream>
 
+#include "files/FileIdentity.h"
 #include "plclib/AccessSql.h"
 
 namespace plcdb {
@@ -204,8 +205,15 @@ Connection::~Connection() {
 
 bool Connection::Open(const std::string& path, std::string& error) {
     Close(error);
-    if (!std::filesystem::exists(path)) {
+    std::error_code ec;
+    if (!std::filesystem::exists(path, ec)) {
         error = path + " does not exist";
+        return false;
+    }
+    try {
+        files::RefuseNonRegular(path);  // a FIFO would block the header check for ever
+    } catch (const files::FileError& e) {
+        error = e.what();
         return false;
     }
     if (!CheckHeader(path, error)) {
@@ -222,7 +230,8 @@ bool Connection::Open(const std::string& path, std::string& error) {
 
 bool Connection::Create(const std::string& path, std::string& error) {
     Close(error);
-    if (std::filesystem::exists(path)) {
+    std::error_code ec;
+    if (std::filesystem::exists(path, ec)) {
         error = path + " already exists";
         return false;
     }
@@ -245,15 +254,15 @@ bool Connection::Create(const std::string& path, std::string& error) {
 }
 
 // Reads the schema once, so that a file SQLite cannot use fails here and not at the first
-// query; and keeps the rollback journal: the file travels whole and must be complete alone.
+// query. A library in WAL mode is switched back to the rollback journal (the file travels
+// whole and must be complete alone), but only before the first change: reading changes no
+// byte of the file.
 bool Connection::Configure(std::string& error) {
     sqlite3_busy_timeout(db_, kBusyTimeoutMs);
     sqlite3_extended_result_codes(db_, 0);
     auto mode = Query("PRAGMA journal_mode", error);
-    const bool ok = mode && !mode->Empty() &&
-                    Execute("SELECT count(*) FROM sqlite_master", error) &&
-                    (!EqualsIgnoreCase(mode->rows[0][0], "wal") ||
-                     Execute("PRAGMA journal_mode=DELETE", error));
+    const bool ok = mode && !mode->Empty() && Execute("SELECT count(*) FROM sqlite_master", error);
+    walPending_ = ok && EqualsIgnoreCase(mode->rows[0][0], "wal");
     if (!ok) {
         if (error.empty()) {
             error = "the journal mode of the file cannot be read";
@@ -307,6 +316,16 @@ bool Connection::Execute(std::string_view accessSql, std::string& error) {
     sqlite3_stmt* statement = Prepare(accessSql, error);
     if (!statement) {
         return false;
+    }
+    // A transaction is begun to write; the journal mode cannot change inside it.
+    const bool begins =
+        EqualsIgnoreCase(std::string_view(sqlite3_sql(statement)).substr(0, 5), "BEGIN");
+    if (walPending_ && (begins || !sqlite3_stmt_readonly(statement))) {
+        walPending_ = false;
+        if (!Execute("PRAGMA journal_mode=DELETE", error)) {
+            sqlite3_finalize(statement);
+            return false;
+        }
     }
     int rc = SQLITE_ROW;
     while (rc == SQLITE_ROW) {

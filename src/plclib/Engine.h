@@ -89,6 +89,7 @@ private:
     sqlite3_stmt* Prepare(std::string_view accessSql, std::string& error);
     bool Configure(std::string& error);
     sqlite3* db_ = nullptr;
+    bool walPending_ = false;  // in WAL mode until the first change switches it
 };
 
 // Equality of names and values as the engine compares text: without regard to ASCII case.

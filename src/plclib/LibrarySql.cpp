@@ -1,11 +1,8 @@
 #include "plclib/LibrarySql.h"
 
-#include <unistd.h>
-
-#include <cerrno>
-#include <cstring>
 #include <filesystem>
 
+#include "files/AtomicFile.h"
 #include "plclib/Engine.h"
 
 namespace plcdb {
@@ -33,14 +30,22 @@ bool RunSqlText(std::istream& in, const std::string& source, Connection& db, std
 }
 
 CreateResult CreateLibraryFile(const std::string& target, std::istream* in,
-                               const std::string& source, std::string& error, int& statements) {
-    const std::string temporary = target + ".part";
+                               const std::string& source, std::string& error, int& statements,
+                               Existing existing) {
+    std::string temporary;
+    try {
+        files::CheckWritable(target);
+        temporary = files::ScratchPathFor(target);
+    } catch (const files::FileError& e) {
+        error = e.what();
+        return CreateResult::CannotCreate;
+    }
     std::error_code ec;
-    std::filesystem::remove(temporary, ec);
     statements = 0;
     {
         Connection db;
         if (!db.Create(temporary, error)) {
+            std::filesystem::remove(temporary, ec);
             return CreateResult::CannotCreate;
         }
         if (!db.Execute("BEGIN", error) ||
@@ -49,17 +54,21 @@ CreateResult CreateLibraryFile(const std::string& target, std::istream* in,
             std::string closing;
             db.Close(closing);
             std::filesystem::remove(temporary, ec);
+            std::filesystem::remove(temporary + "-journal", ec);
             return CreateResult::BadStatement;
         }
     }
-    // link() refuses an existing name: a library made meanwhile by someone else is kept.
-    const int linked = ::link(temporary.c_str(), target.c_str());
-    const int linkError = errno;
-    std::filesystem::remove(temporary, ec);
-    if (linked != 0) {
-        error = target + ": " + std::strerror(linkError);
+    // Unless asked to replace it, a library made meanwhile by someone else is kept.
+    files::WriteOptions options;
+    options.createOnly = existing == Existing::Keep;
+    try {
+        files::CopyInto(target, temporary, options);
+    } catch (const files::FileError& e) {
+        error = e.what();
+        std::filesystem::remove(temporary, ec);
         return CreateResult::CannotCreate;
     }
+    std::filesystem::remove(temporary, ec);
     return CreateResult::Created;
 }
 

@@ -14,11 +14,14 @@ bool RunSqlText(std::istream& in, const std::string& source, Connection& db, std
                 int& statements);
 
 // Creates `target` from the statements of `in` (or with the base tables only when `in` is
-// null). The library is built under a temporary name in the same folder and linked into
-// place only when complete, so an existing file is never replaced and a failed build leaves
-// nothing behind. On failure `error` holds the reason.
+// null). The library is built under a scratch name in the same folder and written through
+// the atomic writer only when complete, so a failed build leaves nothing behind; an existing
+// file is kept (the result is CannotCreate) unless `existing` says to replace it. On failure
+// `error` holds the reason.
 enum class CreateResult { Created, BadStatement, CannotCreate };
+enum class Existing { Keep, Replace };
 CreateResult CreateLibraryFile(const std::string& target, std::istream* in,
-                               const std::string& source, std::string& error, int& statements);
+                               const std::string& source, std::string& error, int& statements,
+                               Existing existing = Existing::Keep);
 
 }  // namespace plcdb

@@ -2,6 +2,7 @@
 
 #include <filesystem>
 
+#include "files/AtomicFile.h"
 #include "plclib/PlcLib.h"
 
 namespace plcdb {
@@ -189,7 +190,7 @@ bool MigrateLibrary(ITableSource& source, const std::string& target,
     namespace fs = std::filesystem;
     report = MigrationReport{};
     std::error_code ec;
-    if (fs::exists(target) && !options.force) {
+    if (fs::exists(target, ec) && !options.force) {
         error = target + " already exists; give --force to replace it";
         return false;
     }
@@ -197,12 +198,16 @@ bool MigrateLibrary(ITableSource& source, const std::string& target,
         error = "the file is no component library: it has no table PLC_MANUFACTURER";
         return false;
     }
-    const fs::path folder = fs::path(target).parent_path();
-    if (!folder.empty()) {
-        fs::create_directories(folder, ec);
+    // SQLite builds the library by name: in a scratch file beside the target, which is then
+    // written through an AtomicFile, so a failed migration never leaves half a library.
+    std::string temporary;
+    try {
+        files::CheckWritable(target);
+        temporary = files::ScratchPathFor(target);
+    } catch (const files::FileError& e) {
+        error = e.what();
+        return false;
     }
-    const std::string temporary = target + ".part";
-    fs::remove(temporary, ec);
     bool ok = false;
     {
         Connection db;
@@ -210,15 +215,15 @@ bool MigrateLibrary(ITableSource& source, const std::string& target,
              db.Close(error);
     }
     if (ok) {
-        fs::rename(temporary, target, ec);
-        if (ec) {
-            error = "cannot replace " + target + ": " + ec.message();
+        try {
+            files::CopyInto(target, temporary);
+        } catch (const files::FileError& e) {
+            error = e.what();
             ok = false;
         }
     }
-    if (!ok) {
-        fs::remove(temporary, ec);
-    }
+    fs::remove(temporary, ec);
+    fs::remove(temporary + "-journal", ec);
     return ok;
 }
 

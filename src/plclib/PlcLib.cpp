@@ -4,6 +4,7 @@
 #include <cstdlib>
 #include <filesystem>
 
+#include "files/FileError.h"
 #include "host/Host.h"
 
 namespace plcdb {
@@ -95,7 +96,13 @@ CPlcLib::~CPlcLib() {
 }
 
 bool CPlcLib::Open(const std::string& path) {
-    if (!std::filesystem::exists(path)) {
+    std::error_code ec;
+    const bool exists = std::filesystem::exists(path, ec);
+    if (ec) {  // a name too long, a link loop, a folder without permission
+        plcdb::ReportDatabaseError(files::ErrnoError(path, ec.value()).what());
+        return false;
+    }
+    if (!exists) {
         host::Print("\n" + plcdb::Format("错误：PLC元件数据库文件%s不存在！", path) + "\n");
         return false;
     }

@@ -177,3 +177,64 @@ TEST_F(DrawCommandTest, RefusalsOfTheDialogAndBadOptionsNameTheProblem) {
         2);
     EXPECT_EQ(Draw("Alpha/S1/DI-16A --tag A1 --at 0,0 --drawing " + drawing), 2);
 }
+
+// Two draws into one drawing at once: each reads, adds and writes the whole file, so without
+// the update lock one module is lost. Either both are in the file or one draw was refused
+// saying why; a module is never lost silently.
+TEST_F(DrawCommandTest, ConcurrentDrawsIntoOneDrawingLoseNoModule) {
+    ASSERT_EQ(Draw(std::string("'") + kModule + "' --tag BASE --at 0,0 --drawing " + drawing), 0)
+        << lastOutput;
+    const std::string qvplc = (testing_support::BinaryDir() / "bin" / "qvplc").string();
+    for (int trial = 1; trial <= 4; ++trial) {
+        const std::string t = std::to_string(trial);
+        const std::string one = qvplc + " draw '" + kModule + "' --tag X" + t + " --at 0," + t +
+                                "00 --drawing " + drawing + " 2>" + drawing + ".x.err";
+        const std::string two = qvplc + " draw '" + kModule + "' --tag Y" + t + " --at 300," + t +
+                                "00 --drawing " + drawing + " 2>" + drawing + ".y.err";
+        std::string output;
+        ASSERT_EQ(RunCommand("(" + one + "; echo $? >" + drawing + ".x.rc) & (" + two +
+                                 "; echo $? >" + drawing + ".y.rc) & wait",
+                             &output),
+                  0)
+            << output;
+        for (const char* side : {"x", "y"}) {
+            const std::string tag = std::string(side == std::string("x") ? "X" : "Y") + t;
+            if (ReadFile(drawing + "." + side + ".rc") == "0\n") {
+                EXPECT_EQ(Census(tag), Census(tag).substr(0, Census(tag).find(' ')) + " 1")
+                    << tag << " is missing";
+            } else {
+                const std::string error = ReadFile(drawing + "." + side + ".err");
+                EXPECT_TRUE(error.find("changed on disk") != std::string::npos ||
+                            error.find("another process") != std::string::npos)
+                    << error;
+            }
+        }
+    }
+    EXPECT_EQ(Census("BASE").substr(Census("BASE").find(' ')), " 1");
+}
+
+// An output that is also an input is refused before anything is written, however it is
+// spelled; so are outputs that cannot be written.
+TEST_F(DrawCommandTest, OutputsThatAreInputsOrUnwritableAreRefusedFirst) {
+    ASSERT_EQ(Draw(std::string("'") + kModule + "' --tag A1 --at 0,0 --drawing " + drawing), 0)
+        << lastOutput;
+    const std::string before = ReadFile(drawing);
+    const auto folder = std::filesystem::path(drawing).parent_path();
+    std::filesystem::create_symlink(drawing, folder / "alias.png");
+    for (const std::string& png : {drawing, (folder / "." / "cabinet.dxf").string(),
+                                   (folder / "alias.png").string(), env.LibraryPath().string()}) {
+        EXPECT_EQ(Draw(std::string("'") + kModule + "' --tag A2 --at 0,0 --drawing " + drawing +
+                       " --png " + png),
+                  3)
+            << png;
+        EXPECT_NE(lastOutput.find("also an input"), std::string::npos) << lastOutput;
+        EXPECT_EQ(ReadFile(drawing), before) << png;
+    }
+    const std::string fresh = (folder / "fresh.dxf").string();
+    EXPECT_EQ(Draw(std::string("'") + kModule + "' --tag A2 --at 0,0 --drawing " + fresh +
+                   " --png " + (folder / "nowhere/p.png").string()),
+              3);
+    EXPECT_NE(lastOutput.find("does not exist"), std::string::npos) << lastOutput;
+    EXPECT_FALSE(std::filesystem::exists(fresh));
+    EXPECT_FALSE(std::filesystem::exists(folder / "nowhere"));
+}

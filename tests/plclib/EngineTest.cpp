@@ -113,8 +113,9 @@ TEST_F(EngineTest, RefusesMoreThanOneStatementAtOnce) {
 }
 
 // The file travels whole (FTP, copies): a library left in WAL mode by another tool is put
-// back to the rollback journal when opened, so that no committed change stays in a -wal file.
-TEST_F(EngineTest, KeepsTheRollbackJournal) {
+// back to the rollback journal before the first change, so that no committed change stays in
+// a -wal file; reading it changes nothing, not even its journal mode.
+TEST_F(EngineTest, ReadingKeepsAWalLibraryAsItIsAndTheFirstChangeRestoresTheJournal) {
     const auto path = MakeLibrary(TypeTables("M_S_T"));
     std::string error;
     {
@@ -124,12 +125,26 @@ TEST_F(EngineTest, KeepsTheRollbackJournal) {
         ASSERT_TRUE(mode);
         ASSERT_EQ(mode->rows.at(0).at(0), "wal");
     }
+    const std::string bytes = testing_support::ReadFile(path);
+    {
+        plcdb::Connection db;
+        ASSERT_TRUE(db.Open(path, error)) << error;
+        ASSERT_TRUE(db.Query("SELECT * FROM PLC_MANUFACTURER", error)) << error;
+        ASSERT_TRUE(db.Execute("SELECT count(*) FROM M_S_T", error)) << error;
+        auto mode = db.Query("PRAGMA journal_mode", error);
+        ASSERT_TRUE(mode);
+        EXPECT_EQ(mode->rows.at(0).at(0), "wal");
+    }
+    EXPECT_EQ(testing_support::ReadFile(path), bytes) << "reading changed the library";
+
     plcdb::Connection db;
     ASSERT_TRUE(db.Open(path, error)) << error;
+    ASSERT_TRUE(db.Execute("BEGIN", error)) << error;
+    ASSERT_TRUE(db.Execute("INSERT INTO PLC_MANUFACTURER VALUES ('A','','','')", error)) << error;
+    ASSERT_TRUE(db.Execute("COMMIT", error)) << error;
     auto mode = db.Query("PRAGMA journal_mode", error);
     ASSERT_TRUE(mode);
     EXPECT_EQ(mode->rows.at(0).at(0), "delete");
-    ASSERT_TRUE(db.Execute("INSERT INTO PLC_MANUFACTURER VALUES ('A','','','')", error));
     EXPECT_FALSE(std::filesystem::exists(path + "-wal"));
 }
 

@@ -68,6 +68,12 @@ TEST_F(MigrateTest, ConvertsTheLibraryAndReportsEveryRowItCannot) {
     plcdb::MigrationOptions options;
     options.progress = [&](size_t done, size_t total) { progress.push_back(done * 10 + total); };
     std::string error;
+    // The folder of a library the user names is never made for it.
+    EXPECT_FALSE(plcdb::MigrateLibrary(source, Target(), options, report, error));
+    EXPECT_NE(error.find("does not exist"), std::string::npos) << error;
+    EXPECT_FALSE(std::filesystem::exists(dir_ / "local"));
+    std::filesystem::create_directories(dir_ / "local" / "PLC");
+    progress.clear();
     ASSERT_TRUE(plcdb::MigrateLibrary(source, Target(), options, report, error)) << error;
     EXPECT_EQ(progress, (std::vector<size_t>{13, 23, 33}));
     EXPECT_EQ(report.typeRows, 4);
@@ -98,7 +104,10 @@ TEST_F(MigrateTest, ConvertsTheLibraryAndReportsEveryRowItCannot) {
     ASSERT_TRUE(lib.LoadTerminals("Norvik", "NX", "DI", "NX-8DI", entry));
     ASSERT_EQ(entry.terminals.size(), 2u);
     EXPECT_EQ(entry.terminals[0]->termValue, "0012");
-    EXPECT_FALSE(std::filesystem::exists(Target() + ".part"));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir_ / "local" / "PLC"),
+                            std::filesystem::directory_iterator()),
+              1)
+        << "a scratch file was left beside the library";
 }
 
 TEST_F(MigrateTest, NeverReplacesALibraryUnlessForcedAndNeverLeavesHalfOne) {
@@ -119,17 +128,31 @@ TEST_F(MigrateTest, NeverReplacesALibraryUnlessForcedAndNeverLeavesHalfOne) {
     EXPECT_NE(error.find("no table PLC_MANUFACTURER"), std::string::npos) << error;
     EXPECT_EQ(testing_support::ReadFile(Target()), "the user's library");
 
-    // A failure while writing (a stale temporary that is a folder cannot be replaced).
-    std::filesystem::create_directories(Target() + ".part/x");
+    // A failure at the end, when the library is written (a folder marked read-only): the
+    // user's library is kept and the scratch file is gone.
+    const auto folder = dir_ / "local" / "PLC";
+    std::filesystem::permissions(folder,
+                                 std::filesystem::perms::owner_write |
+                                     std::filesystem::perms::group_write |
+                                     std::filesystem::perms::others_write,
+                                 std::filesystem::perm_options::remove);
     EXPECT_FALSE(plcdb::MigrateLibrary(source, Target(), force, report, error));
+    EXPECT_NE(error.find("read-only"), std::string::npos) << error;
+    std::filesystem::permissions(folder, std::filesystem::perms::owner_write,
+                                 std::filesystem::perm_options::add);
     EXPECT_EQ(testing_support::ReadFile(Target()), "the user's library");
-    std::filesystem::remove_all(Target() + ".part");
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(folder),
+                            std::filesystem::directory_iterator()),
+              1);
 
     ASSERT_TRUE(plcdb::MigrateLibrary(source, Target(), force, report, error)) << error;
     CPlcLib lib;
     ASSERT_TRUE(lib.Open(Target()));
     EXPECT_EQ(lib.GetTableName("Norvik", "NX", "AI"), "N_NX_AI");
-    EXPECT_FALSE(std::filesystem::exists(Target() + ".part"));
+    EXPECT_EQ(std::distance(std::filesystem::directory_iterator(dir_ / "local" / "PLC"),
+                            std::filesystem::directory_iterator()),
+              1)
+        << "a scratch file was left beside the library";
 }
 
 }  // namespace

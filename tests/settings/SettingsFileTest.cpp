@@ -364,3 +364,26 @@ TEST_F(SettingsFileTest, ReadOnlyFileRefusesTheWriteAndKeepsItsBytes) {
                             std::filesystem::directory_iterator()),
               1);  // no temporary file left behind
 }
+
+// Another program saving its own settings between our read and our write: ours is refused
+// with the reason, theirs is kept. A write after a fresh read goes through.
+TEST_F(SettingsFileTest, AFileChangedSinceItWasReadIsNotOverwritten) {
+    WriteSettings("元件类型:3\n");
+    ASSERT_TRUE(drawsettings::ReadSettingLines());
+    const auto other = SettingFile().string() + ".other";
+    testing_support::WriteFile(other, "元件类型:2\n");
+    std::filesystem::rename(other, SettingFile());
+    std::string error;
+    EXPECT_FALSE(drawsettings::WriteSettingsFile(SettingFile().string(), "元件类型:1\n", &error));
+    EXPECT_NE(error.find("changed on disk"), std::string::npos) << error;
+    EXPECT_EQ(drawsettings::LastSettingsWriteError(), error);
+    EXPECT_EQ(ReadSettings(), "元件类型:2\n");
+
+    ASSERT_TRUE(drawsettings::ReadSettingLines());
+    EXPECT_TRUE(drawsettings::WriteSettingsFile(SettingFile().string(), "元件类型:1\n", &error))
+        << error;
+    // Our own write is what we last saw: a second write needs no new read.
+    EXPECT_TRUE(drawsettings::WriteSettingsFile(SettingFile().string(), "元件类型:3\n", &error))
+        << error;
+    EXPECT_EQ(ReadSettings(), "元件类型:3\n");
+}

@@ -14,7 +14,7 @@
 #include "cad/Dxf.h"
 #include "cad/render/Render.h"
 #include "cadutil/SymbolData.h"
-#include "host/TextFile.h"
+#include "files/TextFile.h"
 
 namespace {
 
@@ -293,7 +293,7 @@ int main(int argc, char** argv) {
         return 1;
     }
     std::string error;
-    if (!textfile::WriteWhole(folder + "/symbols.txt", manifest, &error)) {
+    if (!files::WriteWhole(folder + "/symbols.txt", manifest, &error)) {
         std::fprintf(stderr, "qv_make_symbols: %s\n", error.c_str());
         return 1;
     }

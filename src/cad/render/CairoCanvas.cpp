@@ -5,7 +5,7 @@
 
 #include "cad/render/Geometry2d.h"
 #include "cad/render/TextLayout.h"
-#include "host/TextFile.h"
+#include "files/TextFile.h"
 
 namespace cad::render {
 
@@ -14,7 +14,7 @@ namespace {
 // cairo refuses invalid UTF-8 by putting the whole context in an error state, which would
 // blank the rest of the picture: stray bytes are shown as '?'.
 std::string SafeText(const std::string& text) {
-    if (textfile::IsValidUtf8(text)) {
+    if (files::IsValidUtf8(text)) {
         return text;
     }
     std::string safe;

@@ -10,7 +10,7 @@
 
 #include "cad/render/BoundsCanvas.h"
 #include "cad/render/CairoCanvas.h"
-#include "host/TextFile.h"
+#include "files/TextFile.h"
 
 namespace cad::render {
 
@@ -128,8 +128,8 @@ bool WritePicture(const DrawOn& draw, const std::string& path, const PictureOpti
         return false;
     }
     std::string writeError;
-    if (!textfile::WriteWhole(path, bytes, &writeError)) {
-        error = "'" + path + "': " + writeError;
+    if (!files::WriteWhole(path, bytes, &writeError)) {
+        error = writeError;
         return false;
     }
     return true;

@@ -5,8 +5,8 @@
 
 #include "draw/settings/SettingRanges.h"
 #include "draw/settings/SettingsText.h"
+#include "files/TextFile.h"
 #include "host/SuiteServices.h"
-#include "host/TextFile.h"
 
 namespace drawsettings {
 namespace {
@@ -109,7 +109,8 @@ std::optional<std::vector<std::string>> ReadSettingLines() {
     if (std::filesystem::is_directory(path, ec)) {
         return std::nullopt;
     }
-    return textfile::ReadLines(path);
+    RememberSettingsRead(path);
+    return files::ReadLines(path);
 }
 
 FormatTerminals LoadFormatTerminals(const std::vector<std::string>* lines) {

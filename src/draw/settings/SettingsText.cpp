@@ -8,8 +8,9 @@
 #include <cmath>
 #include <cstdlib>
 #include <cstring>
+#include <map>
 
-#include "host/TextFile.h"
+#include "files/TextFile.h"
 
 namespace drawsettings {
 namespace {
@@ -138,8 +139,50 @@ bool IsUnsignedRealText(std::string_view text) {
            std::isfinite(value);
 }
 
+namespace {
+
+// What this process last read of each settings file, and why its last write failed.
+struct SettingsFileState {
+    std::map<std::string, files::Identity> read;
+    std::string lastError;
+};
+
+SettingsFileState& State() {
+    static SettingsFileState state;
+    return state;
+}
+
+}  // namespace
+
+void RememberSettingsRead(const std::string& path) {
+    try {
+        State().read[path] = files::Identify(path);
+    } catch (const files::FileError&) {
+        State().read.erase(path);
+    }
+}
+
 bool WriteSettingsFile(const std::string& path, std::string_view content, std::string* error) {
-    return textfile::WriteWhole(path, content, error);
+    files::WriteOptions options;
+    options.createFolders = true;  // LocalData is the suite's own folder
+    if (const auto it = State().read.find(path); it != State().read.end()) {
+        options.expected = it->second;
+    }
+    std::string why;
+    const bool written = files::WriteWhole(path, content, &why, options);
+    if (written) {
+        RememberSettingsRead(path);
+    } else {
+        State().lastError = why;
+    }
+    if (error) {
+        *error = why;
+    }
+    return written;
+}
+
+const std::string& LastSettingsWriteError() {
+    return State().lastError;
 }
 
 }  // namespace drawsettings

@@ -35,10 +35,15 @@ std::string RemoveBlanks(std::string_view text);
 // not begin with '-' and is, as a whole, a finite decimal real number.
 bool IsUnsignedRealText(std::string_view text);
 
-// Writes a settings file whole (temporary file, then rename). Refuses, leaving the old file as
+// Writes a settings file whole through files::AtomicFile. Refuses, leaving the old file as
 // it is, when the existing file is marked read-only (no write permission bit, whoever runs
-// the program) or when any step of the write fails.
+// the program), when it changed on disk since this process last read it (another program
+// saved its own settings meanwhile), or when any step of the write fails.
 bool WriteSettingsFile(const std::string& path, std::string_view content,
                        std::string* error = nullptr);
+// Called as a settings file is read: a later write expects the file as it was then.
+void RememberSettingsRead(const std::string& path);
+// Why the last failed WriteSettingsFile failed (path and reason).
+const std::string& LastSettingsWriteError();
 
 }  // namespace drawsettings

@@ -1,7 +1,7 @@
 // qv_libsql SOURCE.sql LIBRARY.db: builds a component library from a text of Access SQL
-// statements, one per line ("--" starts a comment line). An existing LIBRARY.db is replaced.
+// statements, one per line ("--" starts a comment line). An existing LIBRARY.db is replaced
+// whole, and only once the new library is complete.
 #include <cstdio>
-#include <filesystem>
 #include <fstream>
 #include <string>
 
@@ -26,12 +26,10 @@ int main(int argc, char** argv) {
     if (!in) {
         return Fail("cannot read " + source);
     }
-    std::error_code ec;
-    std::filesystem::remove(target, ec);
     std::string error;
     int statements = 0;
-    if (plcdb::CreateLibraryFile(target, &in, source, error, statements) !=
-        plcdb::CreateResult::Created) {
+    if (plcdb::CreateLibraryFile(target, &in, source, error, statements,
+                                 plcdb::Existing::Replace) != plcdb::CreateResult::Created) {
         return Fail(error);
     }
     std::printf("qv_libsql: %d statements from %s\n", statements, source.c_str());

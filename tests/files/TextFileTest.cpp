@@ -4,41 +4,45 @@
 #include <filesystem>
 
 #include "TestPaths.h"
-#include "host/TextFile.h"
+#include "files/TextFile.h"
 
 using namespace testing_support;
 
 TEST(TextFile, ReadsLinesWithLfOrCrLfEnds) {
     TempDir dir;
     WriteFile(dir / "a.txt", "one\r\ntwo\nthree");
-    const auto lines = textfile::ReadLines((dir / "a.txt").string());
+    const auto lines = files::ReadLines((dir / "a.txt").string());
     ASSERT_TRUE(lines);
     EXPECT_EQ(*lines, (std::vector<std::string>{"one", "two", "three"}));
-    EXPECT_FALSE(textfile::ReadLines((dir / "missing.txt").string()));
+    EXPECT_FALSE(files::ReadLines((dir / "missing.txt").string()));
 }
 
 TEST(TextFile, FilesOfTheWindowsSuiteAreReadAsGb18030) {
     TempDir dir;
     // "端子A名称:" in GB18030 with a CR LF end.
-    WriteFile(dir / "gb.dat", "\xB6\xCB\xD7\xD3" "A" "\xC3\xFB\xB3\xC6:X\r\n");
-    const auto lines = textfile::ReadLines((dir / "gb.dat").string());
+    WriteFile(dir / "gb.dat",
+              "\xB6\xCB\xD7\xD3"
+              "A"
+              "\xC3\xFB\xB3\xC6:X\r\n");
+    const auto lines = files::ReadLines((dir / "gb.dat").string());
     ASSERT_TRUE(lines);
     ASSERT_EQ(lines->size(), 1u);
     EXPECT_EQ((*lines)[0], "端子A名称:X");
 }
 
 TEST(TextFile, Utf8IsValidatedStrictly) {
-    EXPECT_TRUE(textfile::IsValidUtf8("abc 端子"));
-    EXPECT_FALSE(textfile::IsValidUtf8("\xE7\xAB"));      // truncated sequence
-    EXPECT_FALSE(textfile::IsValidUtf8("\xC0\xAF"));      // overlong
-    EXPECT_FALSE(textfile::IsValidUtf8("a\xFF"));
+    EXPECT_TRUE(files::IsValidUtf8("abc 端子"));
+    EXPECT_FALSE(files::IsValidUtf8("\xE7\xAB"));  // truncated sequence
+    EXPECT_FALSE(files::IsValidUtf8("\xC0\xAF"));  // overlong
+    EXPECT_FALSE(files::IsValidUtf8("a\xFF"));
 }
 
 TEST(TextFile, WriteWholeReplacesTheFileAndLeavesNoTemporary) {
     TempDir dir;
+    std::filesystem::create_directory(dir / "sub");
     const auto path = (dir / "sub/s.dat").string();
-    ASSERT_TRUE(textfile::WriteWhole(path, "first\n"));
-    ASSERT_TRUE(textfile::WriteWhole(path, "second\n"));
+    ASSERT_TRUE(files::WriteWhole(path, "first\n"));
+    ASSERT_TRUE(files::WriteWhole(path, "second\n"));
     EXPECT_EQ(ReadFile(path), "second\n");
     int files = 0;
     for (const auto& e : std::filesystem::directory_iterator(dir / "sub")) {
@@ -54,7 +58,7 @@ TEST(TextFile, AReadOnlyFileIsRefusedAndKeptIntact) {
     WriteFile(path, "original\n");
     chmod(path.c_str(), 0444);
     std::string error;
-    EXPECT_FALSE(textfile::WriteWhole(path, "new\n", &error));
+    EXPECT_FALSE(files::WriteWhole(path, "new\n", &error));
     EXPECT_NE(error.find("read-only"), std::string::npos) << error;
     EXPECT_EQ(ReadFile(path), "original\n");
     int files = 0;
