@@ -351,7 +351,11 @@ bool LoadSymbolBlock(DrawContext& ctx) {
         host::Print("文件<" + ctx.dlg.termSymbolPath + ">打开失败！" + "\n");
         return false;
     }
-    ctx.symbolBlock = cad::InsertAsBlock(ctx.db, *symbol, ctx.dlg.termSymbolName);
+    std::string error;
+    ctx.symbolBlock = cad::InsertAsBlock(ctx.db, *symbol, ctx.dlg.termSymbolName, &error);
+    if (!error.empty()) {
+        host::Print("文件<" + ctx.dlg.termSymbolPath + ">: " + error + "\n");
+    }
     ctx.symbolFootprints.clear();
     return ctx.symbolBlock != cad::kNullHandle;
 }
