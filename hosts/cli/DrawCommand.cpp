@@ -295,12 +295,16 @@ bool FillDialog(CDlgPlcRendal& dlg, const DrawRequest& request) {
 }
 
 bool SaveDrawing(const cad::Database& db, const DrawRequest& request) {
+    const cad::DxfVersion version = cad::VersionForSaveFormat(request.saveFormat);
     try {
-        cad::WriteDxfFile(db, request.drawing, cad::VersionForSaveFormat(request.saveFormat));
+        cad::WriteDxfFile(db, request.drawing, version);
     } catch (const std::exception& e) {
         std::fprintf(stderr, "qvplc draw: cannot write %s: %s\n", request.drawing.c_str(),
                      e.what());
         return false;
+    }
+    if (const std::string note = cad::VersionChange(db, version); !note.empty()) {
+        std::fprintf(stderr, "qvplc draw: %s: %s\n", request.drawing.c_str(), note.c_str());
     }
     if (!request.png.empty()) {
         std::string error;

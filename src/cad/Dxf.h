@@ -29,6 +29,10 @@ const char* AcadVer(DxfVersion v);  // "AC1014" ... "AC1024"
 // anything else R2010.
 DxfVersion VersionForSaveFormat(std::string_view defaultFormatForSave);
 
+// The version a drawing read from a file was in, when it is not the one about to be written:
+// a sentence naming both, for the user; "" for a new drawing or an unchanged version.
+std::string VersionChange(const Database& db, DxfVersion written);
+
 // What is wrong with a file, and where: line is 1-based (0 when it does not apply).
 class DxfError : public std::runtime_error {
 public:
@@ -76,8 +80,8 @@ public:
 bool WriteDxf(const Database& db, DxfVersion version, TagSink& sink);
 // The file as text. With `exact`, also tells whether the text reads back with every name,
 // text and number as the drawing holds it: false when something had to change to fit the
-// file (a control character, a literal "\U+" escape, an application name R14 cannot hold,
-// a number that is not finite).
+// file (a control character, a literal "\U+" escape, an application name R14 cannot hold).
+// A number outside the range of cad/Limits.h is never written: the audit refuses it.
 std::string WriteDxfString(const Database& db, DxfVersion version, bool* exact = nullptr);
 // Writes the file atomically (temporary file, then rename). Throws DxfError.
 void WriteDxfFile(const Database& db, const std::string& path, DxfVersion version);
