@@ -10,7 +10,14 @@
 // save writes every other character of an application name as '_' and cuts the name at 31
 // characters, in the APPID table and in every extended-data group alike, so the links the
 // data carries survive; "QV_ GROUPPARTXRECT_TEXT" is saved as "QV__GROUPPARTXRECT_TEXT" and
-// reads back under that name. R2000 and later keep names as they are.
+// reads back under that name. Two names that would shorten alike stay two applications: the
+// second gets "_2" (then "_3", ...) in place of its last characters. R2000 and later keep
+// names as they are. Registering a name later finds the application under its R14 spelling
+// (Database::FindApp), so a drawing keeps one application per system.
+//
+// Written values: every number lies in the range of cad/Limits.h (the audit refuses a drawing
+// holding another), $EXTMIN/$EXTMAX are the model space's extents at the time of writing, and
+// angles are written in degrees without the last bits the conversion from radians leaves.
 #pragma once
 
 #include <memory>
