@@ -196,7 +196,10 @@ void Reader::Place(std::unique_ptr<Entity> e, Handle space, const Record& rec) {
         }
         openParent_ = kNullHandle;
     }
-    if (kind == ObjectKind::Seqend || kind == ObjectKind::Attribute) {
+    // A stray ATTRIB holds text: it is kept where it stands, and the audit names it, so that
+    // it is never lost unseen (no file can hold it there, so it is not written until it is
+    // attached or erased). A stray SEQEND holds nothing.
+    if (kind == ObjectKind::Seqend) {
         Repair("line " + std::to_string(rec.line) + ": " + std::string(rec.type) +
                " outside any block reference was dropped");
         return;

@@ -217,6 +217,21 @@ TEST(WriterAttributes, AnAttributeWithoutItsReferenceIsReportedNotWritten) {
     EXPECT_NE(issues[0].message.find("ATTRIB is not attached to a block reference"),
               std::string::npos);
     EXPECT_THROW(WriteDxfString(db, DxfVersion::R2010), DxfError);
+
+    // One read from a file without its INSERT is kept, with its text, for the audit to name.
+    Database plain;
+    plain.AppendNew<Line>();
+    std::string text = WriteDxfString(plain, DxfVersion::R2010);
+    const std::string stray =
+        "  0\nATTRIB\n  8\n0\n100\nAcDbText\n 10\n1.0\n 20\n2.0\n 30\n0.0\n 40\n2.5\n"
+        "  1\nstray value\n100\nAcDbAttribute\n  2\nTAG\n 70\n0\n";
+    text.insert(text.find("  0\nENDSEC", text.find("\nENTITIES\n")), stray);
+    const auto back = ReadDxfString(text, "stray.dxf");
+    const auto found = Audit(*back);
+    ASSERT_EQ(found.size(), 1u) << FormatIssues(found);
+    const auto* kept = back->Get<Attribute>(found[0].handle);
+    ASSERT_NE(kept, nullptr);
+    EXPECT_EQ(kept->text, "stray value");
 }
 
 TEST(WriterAttributes, AGridReferenceKeepsItsRowsColumnsAndAttributesInEveryVersion) {
