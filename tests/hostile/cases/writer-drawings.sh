@@ -64,153 +64,19 @@ case_far_coordinates() {
 case_attributes() {
     local name=writer-attributes-round-trip
     local src="$QV_SCRATCH/attribs.dxf"
-    cat >"$src" <<'DXF'
-  0
-SECTION
-  2
-HEADER
-  9
-$ACADVER
-  1
-AC1015
-  0
-ENDSEC
-  0
-SECTION
-  2
-BLOCKS
-  0
-BLOCK
-  8
-0
-  2
-TERM
- 70
-2
- 10
-0.0
- 20
-0.0
- 30
-0.0
-  3
-TERM
-  0
-ATTDEF
-  8
-0
- 10
-0.0
- 20
-0.0
- 30
-0.0
- 40
-2.5
-  1
-?
-  3
-number
-  2
-NO
- 70
-0
-  0
-ENDBLK
-  8
-0
-  0
-ENDSEC
-  0
-SECTION
-  2
-ENTITIES
-  0
-INSERT
-  8
-0
- 66
-1
-  2
-TERM
- 10
-5.0
- 20
-5.0
- 30
-0.0
-  0
-ATTRIB
-  8
-0
- 10
-5.0
- 20
-5.0
- 30
-0.0
- 40
-2.5
-  1
-plain-one
-  2
-NO
- 70
-0
-  0
-SEQEND
-  8
-0
-  0
-INSERT
-  8
-0
-100
-AcDbMInsertBlock
- 66
-1
-  2
-TERM
- 10
-50.0
- 20
-5.0
- 30
-0.0
- 70
-3
- 71
-2
- 44
-10.0
- 45
-20.0
-  0
-ATTRIB
-  8
-0
- 10
-50.0
- 20
-5.0
- 30
-0.0
- 40
-2.5
-  1
-grid-one
-  2
-NO
- 70
-0
-  0
-SEQEND
-  8
-0
-  0
-ENDSEC
-  0
-EOF
+    # Pairs of group code and value, one pair a line.
+    tr ' ' '\n' >"$src" <<'DXF'
+0 SECTION 2 HEADER 9 $ACADVER 1 AC1015 0 ENDSEC 0 SECTION 2 BLOCKS
+0 BLOCK 8 0 2 TERM 70 2 10 0.0 20 0.0 30 0.0 3 TERM
+0 ATTDEF 8 0 10 0.0 20 0.0 30 0.0 40 2.5 1 ? 3 number 2 NO 70 0
+0 ENDBLK 8 0 0 ENDSEC 0 SECTION 2 ENTITIES
+0 INSERT 8 0 66 1 2 TERM 10 5.0 20 5.0 30 0.0
+0 ATTRIB 8 0 10 5.0 20 5.0 30 0.0 40 2.5 1 plain-one 2 NO 70 0
+0 SEQEND 8 0
+0 INSERT 8 0 100 AcDbMInsertBlock 66 1 2 TERM 10 50.0 20 5.0 30 0.0 70 3 71 2 44 10.0 45 20.0
+0 ATTRIB 8 0 10 50.0 20 5.0 30 0.0 40 2.5 1 grid-one 2 NO 70 0
+0 SEQEND 8 0
+0 ENDSEC 0 EOF
 DXF
     local r14="$QV_SCRATCH/attribs-r14.dxf" back="$QV_SCRATCH/attribs-2010.dxf"
     if ! "$QVPLC" dxf convert "$src" "$r14" --version R14 >/dev/null 2>"$QV_SCRATCH/a.err" ||
