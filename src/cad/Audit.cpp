@@ -126,6 +126,7 @@ private:
             Issue(e.handle, "polyline has no vertices");
         }
         CheckFollower(e);
+        CheckLinetype(e);
         CheckRange(e);
         CheckXData(e);
     }
@@ -151,6 +152,32 @@ private:
             Issue(e.handle, FillMessage("%s is not attached to a block reference; a file cannot "
                                         "hold it on its own",
                                         {e.TypeName()}));
+        }
+    }
+
+    // A line type an entity names (group 6 of its common part) must be in the LTYPE table.
+    void CheckLinetype(const Entity& e) {
+        const TagList* common = nullptr;
+        TagList before;
+        if (const auto* u = Database::Cast<UnknownEntity>(&e)) {
+            for (const Tag& t : u->tags) {
+                if (t.code == 100 && t.value != "AcDbEntity") {
+                    break;
+                }
+                before.push_back(t);
+            }
+            common = &before;
+        } else if (e.extra) {
+            common = e.extra->Find("AcDbEntity");
+        }
+        if (common == nullptr) {
+            return;
+        }
+        for (const Tag& t : *common) {
+            if (t.code == 6 && db_.FindLinetype(t.value) == kNullHandle) {
+                Issue(e.handle, FillMessage("%s uses the line type \"%s\", which is not defined",
+                                            {e.TypeName(), t.value}));
+            }
         }
     }
 

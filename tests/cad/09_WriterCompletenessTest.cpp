@@ -295,6 +295,12 @@ TEST(WriterForeign, LinetypesUsedAreDefinedAndEmbeddedObjectsStayInTheirEntity) 
               std::string::npos);
     const auto ltypes = Values(After(again, "LTYPE"), 2);
     EXPECT_NE(std::find(ltypes.begin(), ltypes.end(), "DASHDOT_FOREIGN"), ltypes.end());
+    // A line type that goes away before writing is named by the audit instead.
+    back->Get<LinetypeRecord>(back->FindLinetype("DASHDOT_FOREIGN"))->erased = true;
+    const auto issues = Audit(*back);
+    ASSERT_EQ(issues.size(), 1u) << FormatIssues(issues);
+    EXPECT_NE(issues[0].message.find("line type \"DASHDOT_FOREIGN\", which is not defined"),
+              std::string::npos);
 }
 
 TEST(WriterVersion, ADrawingReadFromAnotherVersionSaysSoAndANewOneDoesNot) {
