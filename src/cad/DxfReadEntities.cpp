@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "cad/DxfReader.h"
+#include "cad/Message.h"
 #include "cad/NumberText.h"
 
 namespace cad::dxfread {
@@ -621,7 +622,7 @@ void Reader::DefineUsedLinetypes() {
             const Handle before = db_->HandleSeed();
             db_->AddLinetype(name);
             Generated(before);
-            Repair("line type " + name + " was used but not defined; it was added");
+            Repair(FillMessage("line type %s was used but not defined; it was added", {name}));
         }
     }
 }
