@@ -399,17 +399,20 @@ bool FillDialog(CDlgPlcRendal& dlg, const DrawRequest& request) {
 // `before` is the drawing as it was read: the save is refused when it changed meanwhile.
 bool SaveDrawing(const cad::Database& db, const DrawRequest& request,
                  const files::Identity& before) {
+    const cad::DxfVersion version = cad::VersionForSaveFormat(request.saveFormat);
     files::WriteOptions options;
     options.expected = before;
     try {
-        cad::WriteDxfFile(db, request.drawing, cad::VersionForSaveFormat(request.saveFormat),
-                          options);
+        cad::WriteDxfFile(db, request.drawing, version, options);
     } catch (const files::FileError&) {
         throw;
     } catch (const std::exception& e) {
         std::fprintf(stderr, "qvplc draw: cannot write %s: %s\n", request.drawing.c_str(),
                      e.what());
         return false;
+    }
+    if (const std::string note = cad::VersionChange(db, version); !note.empty()) {
+        std::fprintf(stderr, "qvplc draw: %s: %s\n", request.drawing.c_str(), note.c_str());
     }
     if (!request.png.empty()) {
         std::string error;

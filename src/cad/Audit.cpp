@@ -1,12 +1,27 @@
 #include "cad/Audit.h"
 
+#include <algorithm>
+#include <cmath>
 #include <unordered_set>
 
+#include "cad/Limits.h"
+#include "cad/Message.h"
 #include "cad/NumberText.h"
 
 namespace cad {
 
 namespace {
+
+// A value as a message shows it; FormatReal writes what a file can hold instead of nan.
+std::string ShowValue(double v) {
+    if (std::isnan(v)) {
+        return "nan";
+    }
+    if (std::isinf(v)) {
+        return v > 0 ? "inf" : "-inf";
+    }
+    return FormatReal(v);
+}
 
 class Auditor {
 public:
@@ -70,6 +85,18 @@ private:
             if (db_.Get<SymbolTable>(r->owner) == nullptr) {
                 Issue(o.handle, "table record \"" + r->name + "\" is not owned by a table");
             }
+            if (const auto* b = Database::Cast<BlockRecord>(r)) {
+                for (double v : {b->basePoint.x, b->basePoint.y, b->basePoint.z}) {
+                    if (!InCoordinateRange(v)) {
+                        Issue(o.handle,
+                              FillMessage("block \"%s\" has its base point at %s, outside the "
+                                          "range a drawing can hold (finite, at most 1e100 from "
+                                          "zero)",
+                                          {b->name, ShowValue(v)}));
+                        break;
+                    }
+                }
+            }
         }
     }
 
@@ -98,7 +125,132 @@ private:
             pl != nullptr && pl->vertices.empty()) {
             Issue(e.handle, "polyline has no vertices");
         }
+        CheckFollower(e);
+        CheckLinetype(e);
+        CheckRange(e);
         CheckXData(e);
+    }
+
+    // An attribute or end marker stands in a file only after the reference that lists it.
+    void CheckFollower(const Entity& e) {
+        const ObjectKind kind = e.Kind();
+        if (kind != ObjectKind::Attribute && kind != ObjectKind::Seqend) {
+            return;
+        }
+        const DbObject* owner = db_.Object(e.owner);
+        bool listed = false;
+        if (const auto* ref = Database::Cast<BlockReference>(owner)) {
+            listed = kind == ObjectKind::Seqend
+                         ? ref->seqend == e.handle
+                         : std::find(ref->attributes.begin(), ref->attributes.end(), e.handle) !=
+                               ref->attributes.end();
+        } else if (const auto* unknown = Database::Cast<UnknownEntity>(owner)) {
+            listed = std::find(unknown->followers.begin(), unknown->followers.end(), e.handle) !=
+                     unknown->followers.end();
+        }
+        if (!listed) {
+            Issue(e.handle, FillMessage("%s is not attached to a block reference; a file cannot "
+                                        "hold it on its own",
+                                        {e.TypeName()}));
+        }
+    }
+
+    // A line type an entity names (group 6 of its common part) must be in the LTYPE table.
+    void CheckLinetype(const Entity& e) {
+        const TagList* common = nullptr;
+        TagList before;
+        if (const auto* u = Database::Cast<UnknownEntity>(&e)) {
+            for (const Tag& t : u->tags) {
+                if (t.code == 100 && t.value != "AcDbEntity") {
+                    break;
+                }
+                before.push_back(t);
+            }
+            common = &before;
+        } else if (e.extra) {
+            common = e.extra->Find("AcDbEntity");
+        }
+        if (common == nullptr) {
+            return;
+        }
+        for (const Tag& t : *common) {
+            if (t.code == 6 && db_.FindLinetype(t.value) == kNullHandle) {
+                Issue(e.handle, FillMessage("%s uses the line type \"%s\", which is not defined",
+                                            {e.TypeName(), t.value}));
+            }
+        }
+    }
+
+    // Every number must be one the reader takes back (cad/Limits.h).
+    void CheckRange(const Entity& e) {
+        const std::vector<double> values = ValuesOf(e);
+        for (double v : values) {
+            if (!InCoordinateRange(v)) {
+                Issue(e.handle, FillMessage("%s holds the value %s, outside the range a drawing "
+                                            "can hold (finite, at most 1e100 from zero)",
+                                            {e.TypeName(), ShowValue(v)}));
+                return;
+            }
+        }
+    }
+
+    static std::vector<double> ValuesOf(const Entity& e) {
+        auto point = [](std::vector<double>& out, const Point3d& p) {
+            out.insert(out.end(), {p.x, p.y, p.z});
+        };
+        std::vector<double> out;
+        switch (e.Kind()) {
+            case ObjectKind::Line:
+                point(out, static_cast<const Line&>(e).start);
+                point(out, static_cast<const Line&>(e).end);
+                break;
+            case ObjectKind::Point:
+                point(out, static_cast<const PointEntity&>(e).position);
+                break;
+            case ObjectKind::Circle:
+                point(out, static_cast<const Circle&>(e).center);
+                out.push_back(static_cast<const Circle&>(e).radius);
+                break;
+            case ObjectKind::Arc: {
+                const auto& a = static_cast<const Arc&>(e);
+                point(out, a.center);
+                out.insert(out.end(), {a.radius, a.startAngle, a.endAngle});
+                break;
+            }
+            case ObjectKind::LwPolyline: {
+                const auto& p = static_cast<const LwPolyline&>(e);
+                out.insert(out.end(), {p.constantWidth, p.elevation});
+                for (const auto& v : p.vertices) {
+                    out.insert(out.end(), {v.x, v.y, v.startWidth, v.endWidth, v.bulge});
+                }
+                break;
+            }
+            case ObjectKind::Text:
+            case ObjectKind::Attribute:
+            case ObjectKind::AttributeDefinition: {
+                const auto& t = static_cast<const Text&>(e);
+                point(out, t.position);
+                point(out, t.alignment);
+                out.insert(out.end(), {t.height, t.rotation, t.widthFactor, t.oblique});
+                break;
+            }
+            case ObjectKind::MText: {
+                const auto& t = static_cast<const MText&>(e);
+                point(out, t.position);
+                out.insert(out.end(), {t.height, t.referenceWidth, t.rotation});
+                break;
+            }
+            case ObjectKind::BlockReference: {
+                const auto& r = static_cast<const BlockReference&>(e);
+                point(out, r.position);
+                out.insert(out.end(), {r.scale.x, r.scale.y, r.scale.z, r.rotation, r.columnSpacing,
+                                       r.rowSpacing});
+                break;
+            }
+            default:
+                break;
+        }
+        return out;
     }
 
     static Handle StyleOf(const Entity& e) {

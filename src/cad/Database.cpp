@@ -240,6 +240,16 @@ Handle Database::AddLayer(const std::string& name, int color) {
     return AddRecord(*this, "LAYER", std::move(layer));
 }
 
+Handle Database::AddLinetype(const std::string& name) {
+    if (Handle h = FindLinetype(name); h != kNullHandle) {
+        return h;
+    }
+    auto linetype = std::make_unique<LinetypeRecord>();
+    linetype->name = name;
+    linetype->pattern = {{72, "65"}, {73, "0"}, {40, "0.0"}};
+    return AddRecord(*this, "LTYPE", std::move(linetype));
+}
+
 void Database::SetCurrentLayer(Handle layer) {
     if (Layer(layer) != nullptr) {
         currentLayer_ = layer;
@@ -273,6 +283,39 @@ Handle Database::RegisterApp(std::string_view name) {
     auto app = std::make_unique<AppIdRecord>();
     app->name = std::string(name);
     return AddRecord(*this, "APPID", std::move(app));
+}
+
+std::string ShortAppName(std::string_view name) {
+    std::string out(name.substr(0, 31));
+    for (char& c : out) {
+        const bool ok = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
+                        (c >= '0' && c <= '9') || c == '$' || c == '-' || c == '_';
+        if (!ok) {
+            c = '_';
+        }
+    }
+    return out;
+}
+
+Handle Database::FindApp(std::string_view name) const {
+    if (Handle h = FindTyped<AppIdRecord>("APPID", name); h != kNullHandle) {
+        return h;
+    }
+    const auto* table = Get<SymbolTable>(Table("APPID"));
+    if (table == nullptr) {
+        return kNullHandle;
+    }
+    // One name is what an R14 save makes of the other. Two different long names that merely
+    // begin alike stay two applications.
+    const std::string shortName = ShortAppName(name);
+    for (Handle h : table->records) {
+        const auto* r = Get<AppIdRecord>(h);
+        if (r != nullptr && !r->erased &&
+            (EqualsNoCase(r->name, shortName) || EqualsNoCase(ShortAppName(r->name), name))) {
+            return h;
+        }
+    }
+    return kNullHandle;
 }
 
 std::string Database::AppName(Handle app) const {

@@ -27,6 +27,10 @@ struct HeaderVar {
     TagList values;
 };
 
+// An application name as R14 can hold it: at most 31 letters, digits and "$-_", every
+// other character written as '_'.
+std::string ShortAppName(std::string_view name);
+
 class Database {
 public:
     Database();
@@ -138,9 +142,15 @@ public:
     Handle FindLinetype(std::string_view name) const {
         return FindTyped<LinetypeRecord>("LTYPE", name);
     }
+    // A solid line type of that name; the existing one if present.
+    Handle AddLinetype(const std::string& name);
 
     // Application names of extended data. Registering an existing name returns its record.
-    Handle FindApp(std::string_view name) const { return FindTyped<AppIdRecord>("APPID", name); }
+    // A name is found in any case, and under the spelling an R14 save gives it (blanks and
+    // other characters R14 cannot hold as '_', cut at 31 characters: see ShortAppName), so a
+    // drawing saved as R14 and drawn into again keeps one application per system; an exact
+    // match is preferred.
+    Handle FindApp(std::string_view name) const;
     Handle RegisterApp(std::string_view name);
     std::string AppName(Handle app) const;  // "" for an unknown handle
 

@@ -30,7 +30,7 @@ Handle AddOther(Database& db, Handle table, const std::string& type, const std::
     return h;
 }
 
-Handle AddLinetype(Database& db, Handle table, const std::string& name) {
+Handle NewLinetype(Database& db, Handle table, const std::string& name) {
     auto r = std::make_unique<LinetypeRecord>();
     r->name = name;
     r->description = name == "Continuous" ? "Solid line" : "";
@@ -211,9 +211,9 @@ void Database::CreateDefaults() {
     NewTable(*this, "BLOCK_RECORD");
 
     AddOther(*this, vport, "VPORT", "*Active", VportTags());
-    AddLinetype(*this, ltype, "ByBlock");
-    AddLinetype(*this, ltype, "ByLayer");
-    AddLinetype(*this, ltype, "Continuous");
+    NewLinetype(*this, ltype, "ByBlock");
+    NewLinetype(*this, ltype, "ByLayer");
+    NewLinetype(*this, ltype, "Continuous");
     currentLayer_ = AddLayer("0", 7);
     currentStyle_ = AddTextStyle("Standard", "txt", "");
     RegisterApp("ACAD");
@@ -246,8 +246,9 @@ void Database::CreateDefaults() {
         Block(space)->layout = h;
     }
 
-    header_ = {{"$ACADVER", {{1, "AC1015"}}},
-               {"$DWGCODEPAGE", {{3, "ANSI_936"}}},
+    // No $ACADVER: the writer gives the version it writes, and a drawing holds one only when
+    // it was read from a file.
+    header_ = {{"$DWGCODEPAGE", {{3, "ANSI_936"}}},
                {"$INSBASE", {{10, "0.0"}, {20, "0.0"}, {30, "0.0"}}},
                {"$EXTMIN", {{10, "0.0"}, {20, "0.0"}, {30, "0.0"}}},
                {"$EXTMAX", {{10, "100.0"}, {20, "100.0"}, {30, "0.0"}}},

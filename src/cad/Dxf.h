@@ -10,7 +10,14 @@
 // save writes every other character of an application name as '_' and cuts the name at 31
 // characters, in the APPID table and in every extended-data group alike, so the links the
 // data carries survive; "QV_ GROUPPARTXRECT_TEXT" is saved as "QV__GROUPPARTXRECT_TEXT" and
-// reads back under that name. R2000 and later keep names as they are.
+// reads back under that name. Two names that would shorten alike stay two applications: the
+// second gets "_2" (then "_3", ...) in place of its last characters. R2000 and later keep
+// names as they are. Registering a name later finds the application under its R14 spelling
+// (Database::FindApp), so a drawing keeps one application per system.
+//
+// Written values: every number lies in the range of cad/Limits.h (the audit refuses a drawing
+// holding another), $EXTMIN/$EXTMAX are the model space's extents at the time of writing, and
+// angles are written in degrees without the last bits the conversion from radians leaves.
 #pragma once
 
 #include <memory>
@@ -29,6 +36,10 @@ const char* AcadVer(DxfVersion v);  // "AC1014" ... "AC1024"
 // The version for a "DefaultFormatForSave" setting: 8 R14, 12 R2000, 24 R2004, 36 R2007,
 // anything else R2010.
 DxfVersion VersionForSaveFormat(std::string_view defaultFormatForSave);
+
+// The version a drawing read from a file was in, when it is not the one about to be written:
+// a sentence naming both, for the user; "" for a new drawing or an unchanged version.
+std::string VersionChange(const Database& db, DxfVersion written);
 
 // What is wrong with a file, and where: line is 1-based (0 when it does not apply).
 class DxfError : public std::runtime_error {
@@ -77,8 +88,8 @@ public:
 bool WriteDxf(const Database& db, DxfVersion version, TagSink& sink);
 // The file as text. With `exact`, also tells whether the text reads back with every name,
 // text and number as the drawing holds it: false when something had to change to fit the
-// file (a control character, a literal "\U+" escape, an application name R14 cannot hold,
-// a number that is not finite).
+// file (a control character, a literal "\U+" escape, an application name R14 cannot hold).
+// A number outside the range of cad/Limits.h is never written: the audit refuses it.
 std::string WriteDxfString(const Database& db, DxfVersion version, bool* exact = nullptr);
 // Writes the file through a files::AtomicFile (see its header for the policy). Throws
 // DxfError when the drawing cannot be written as a file, files::FileError when the file

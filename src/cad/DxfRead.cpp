@@ -220,6 +220,10 @@ Parsed Reader::Parse(const Record& rec, bool splitXData, bool body) const {
                 marker += "#" + std::to_string(seen + 1);
             }
             p.segments.push_back({std::move(marker), {}});
+        } else if (t.code == 101) {
+            // An embedded object (an MTEXT's columns) is its own part: none of its groups are
+            // the entity's own, though they share their codes.
+            p.segments.push_back({std::string(kEmbeddedMarker) + std::string(Trim(t.value)), {}});
         } else {
             p.segments.back().tags.push_back(t);
         }

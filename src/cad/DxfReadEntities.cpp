@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "cad/DxfReader.h"
+#include "cad/Message.h"
 #include "cad/NumberText.h"
 
 namespace cad::dxfread {
@@ -196,7 +197,10 @@ void Reader::Place(std::unique_ptr<Entity> e, Handle space, const Record& rec) {
         }
         openParent_ = kNullHandle;
     }
-    if (kind == ObjectKind::Seqend || kind == ObjectKind::Attribute) {
+    // A stray ATTRIB holds text: it is kept where it stands, and the audit names it, so that
+    // it is never lost unseen (no file can hold it there, so it is not written until it is
+    // attached or erased). A stray SEQEND holds nothing.
+    if (kind == ObjectKind::Seqend) {
         Repair("line " + std::to_string(rec.line) + ": " + std::string(rec.type) +
                " outside any block reference was dropped");
         return;
@@ -533,7 +537,7 @@ bool Reader::TakeSpecific(Entity& e, const std::string& m, const RawTag& t,
         }
         case ObjectKind::BlockReference: {
             auto& r = static_cast<BlockReference&>(e);
-            if (!In(m, "AcDbBlockReference"))
+            if (!In(m, "AcDbBlockReference", "AcDbMInsertBlock"))
                 return false;
             if (t.code == 10)
                 return true;
@@ -557,12 +561,69 @@ bool Reader::TakeSpecific(Entity& e, const std::string& m, const RawTag& t,
                 case 50:
                     r.rotation = Real(t) * kRadians;
                     return true;
+                case 70:
+                case 71: {
+                    const long long n = Int(t);
+                    (t.code == 70 ? r.columns : r.rows) =
+                        n >= 1 && n <= 32767 ? static_cast<int>(n) : 1;
+                    return true;
+                }
+                case 44:
+                    r.columnSpacing = Real(t);
+                    return true;
+                case 45:
+                    r.rowSpacing = Real(t);
+                    return true;
                 default:
                     return false;
             }
         }
         default:
             return false;
+    }
+}
+
+// Every line type an entity names (group 6 of its common part) must be defined for the file
+// it is written to, as must Continuous, which a layer without a line type is written with: a
+// missing one is added as a solid line, and reported.
+void Reader::DefineUsedLinetypes() {
+    std::vector<std::string> used;
+    auto note = [&used](const Tag& t) {
+        if (t.code == 6 && std::find(used.begin(), used.end(), t.value) == used.end()) {
+            used.push_back(t.value);
+        }
+    };
+    db_->ForEachObject([&](const DbObject& o) {
+        if (const auto* layer = Database::Cast<LayerRecord>(&o);
+            layer != nullptr && !layer->erased && layer->linetype == kNullHandle) {
+            note({6, "Continuous"});
+        }
+        if (!o.IsEntity() || o.erased) {
+            return;
+        }
+        if (const auto* u = Database::Cast<UnknownEntity>(&o)) {
+            int markers = 0;
+            for (const Tag& t : u->tags) {
+                markers += t.code == 100 ? 1 : 0;
+                if (markers <= 1) {
+                    note(t);
+                }
+            }
+        } else if (o.extra) {
+            if (const TagList* common = o.extra->Find("AcDbEntity")) {
+                for (const Tag& t : *common) {
+                    note(t);
+                }
+            }
+        }
+    });
+    for (const std::string& name : used) {
+        if (!name.empty() && db_->FindLinetype(name) == kNullHandle) {
+            const Handle before = db_->HandleSeed();
+            db_->AddLinetype(name);
+            Generated(before);
+            Repair(FillMessage("line type %s was used but not defined; it was added", {name}));
+        }
     }
 }
 

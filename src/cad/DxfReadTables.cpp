@@ -361,6 +361,7 @@ void Reader::Finish() {
             }
         }
     });
+    DefineUsedLinetypes();
     db_->SetCurrentsFromHeader();
 }
 

@@ -71,6 +71,7 @@ private:
     void EntitiesSection(long line);
     void Objects(long line);
     void Finish();
+    void DefineUsedLinetypes();
 
     // entities
     void CheckType(const Record& rec, const char* section) const;

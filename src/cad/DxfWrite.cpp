@@ -13,10 +13,14 @@
 #include <cstdio>
 #include <cstring>
 #include <filesystem>
+#include <numbers>
+#include <unordered_set>
 #include <vector>
 
 #include "cad/Audit.h"
 #include "cad/Encoding.h"
+#include "cad/Limits.h"
+#include "cad/Message.h"
 #include "cad/NumberText.h"
 
 namespace cad {
@@ -49,12 +53,44 @@ DxfVersion VersionForSaveFormat(std::string_view f) {
     return DxfVersion::R2010;
 }
 
+namespace {
+
+// The names users know the versions by.
+std::string VersionName(std::string_view acadVer) {
+    static const std::pair<const char*, const char*> kNames[] = {
+        {"AC1009", "R12"},  {"AC1012", "R13"},  {"AC1014", "R14"},
+        {"AC1015", "2000"}, {"AC1018", "2004"}, {"AC1021", "2007"},
+        {"AC1024", "2010"}, {"AC1027", "2013"}, {"AC1032", "2018"}};
+    for (const auto& [code, name] : kNames) {
+        if (acadVer == code) {
+            return std::string(name) + " (" + code + ")";
+        }
+    }
+    return std::string(acadVer);
+}
+
+}  // namespace
+
+std::string VersionChange(const Database& db, DxfVersion written) {
+    const std::string own = db.HeaderString("$ACADVER");
+    if (own.empty() || own == AcadVer(written)) {
+        return {};
+    }
+    return FillMessage(
+        "the drawing was in version %s and is written in version %s, the one its "
+        "save format gives",
+        {VersionName(own), VersionName(AcadVer(written))});
+}
+
 namespace dxfwrite {
 
 Writer::Writer(const Database& db, DxfVersion version, TagSink& sink)
     : db_(db), version_(version), sink_(sink) {
     charset_ =
         version >= DxfVersion::R2007 ? "UTF-8" : CodepageCharset(db.HeaderString("$DWGCODEPAGE"));
+    if (version == DxfVersion::R14) {
+        ShortenAppNames();
+    }
 }
 
 namespace {
@@ -136,6 +172,31 @@ void Writer::Real(int code, double v) {
     sink_.Put(code, std::string_view(text, WriteReal(text, v) - text));
 }
 
+namespace {
+
+// Degrees made from radians carry the conversion's last bits (89.99999999999999 for a right
+// angle): a value within a few units in the last place of a decimal of twelve significant
+// digits is written as that decimal. Anything further from one is written exactly as it is.
+double CleanDecimal(double v) {
+    if (!std::isfinite(v) || v == 0) {
+        return v;
+    }
+    char text[32];
+    std::snprintf(text, sizeof text, "%.12g", v);
+    double clean = 0;
+    if (!ParseReal(text, clean)) {
+        return v;
+    }
+    const double ulp = std::abs(std::nextafter(v, HUGE_VAL) - v);
+    return std::abs(clean - v) <= 4 * ulp ? clean : v;
+}
+
+}  // namespace
+
+void Writer::Angle(int code, double radians) {
+    Real(code, CleanDecimal(radians * (180.0 / std::numbers::pi)));
+}
+
 void Writer::Int(int code, long long v) {
     char text[24];
     sink_.Put(code, std::string_view(text, std::to_chars(text, text + sizeof text, v).ptr - text));
@@ -183,31 +244,61 @@ const std::string& Writer::NameOf(Handle record) const {
     return r == nullptr ? none : r->name;
 }
 
-// R14 holds at most 31 letters, digits and "$-_" in an application name.
 const std::string& Writer::AppName(Handle app) {
+    if (version_ != DxfVersion::R14) {
+        return NameOf(app);
+    }
     auto [it, fresh] = appNames_.try_emplace(app);
     if (fresh) {
-        it->second = FileAppName(NameOf(app));
+        it->second = ShortAppName(NameOf(app));
         altered_ = altered_ || it->second != NameOf(app);
     }
     return it->second;
 }
 
-std::string Writer::FileAppName(std::string name) const {
-    if (version_ != DxfVersion::R14) {
-        return name;
+namespace {
+
+std::string Upper(std::string s) {
+    for (char& c : s) {
+        c = static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
     }
-    for (char& c : name) {
-        const bool ok = (c >= 'A' && c <= 'Z') || (c >= 'a' && c <= 'z') ||
-                        (c >= '0' && c <= '9') || c == '$' || c == '-' || c == '_';
-        if (!ok) {
-            c = '_';
+    return s;
+}
+
+}  // namespace
+
+// R14 holds at most 31 letters, digits and "$-_" in an application name. Every name is
+// shortened once, here, and the APPID table and the extended data both use the result. Names
+// R14 can hold keep theirs; a shortened name that would fall on another application's gets a
+// number, so two applications never become one in the file.
+void Writer::ShortenAppNames() {
+    const auto* table = db_.Get<SymbolTable>(db_.Table("APPID"));
+    if (table == nullptr) {
+        return;
+    }
+    std::unordered_set<std::string> taken;
+    std::vector<const AppIdRecord*> shortened;
+    for (Handle h : table->records) {
+        const auto* r = db_.Get<AppIdRecord>(h);
+        if (r == nullptr || r->erased) {
+            continue;
+        }
+        if (ShortAppName(r->name) == r->name && taken.insert(Upper(r->name)).second) {
+            appNames_[h] = r->name;
+        } else {
+            shortened.push_back(r);
         }
     }
-    if (name.size() > 31) {
-        name.resize(31);
+    for (const AppIdRecord* r : shortened) {
+        const std::string base = ShortAppName(r->name);
+        std::string name = base;
+        for (int n = 2; !taken.insert(Upper(name)).second; ++n) {
+            const std::string suffix = "_" + std::to_string(n);
+            name = base.substr(0, 31 - suffix.size()) + suffix;
+        }
+        appNames_[r->handle] = name;
+        altered_ = true;
     }
-    return name;
 }
 
 void Writer::Run() {
@@ -226,9 +317,15 @@ void Writer::Header() {
     Raw(2, "HEADER");
     Raw(9, "$ACADVER");
     Raw(1, AcadVer(version_));
-    bool seed = false;
+    bool seed = false, extMin = false, extMax = false;
+    extents_ = SpaceExtents(db_, db_.ModelSpace());
     for (const auto& var : db_.Header()) {
         if (var.name == "$ACADVER" || (var.name == "$EXTNAMES" && !R2000Plus())) {
+            continue;
+        }
+        if (var.name == "$EXTMIN" || var.name == "$EXTMAX") {
+            (var.name == "$EXTMIN" ? extMin : extMax) = true;
+            Extents(var.name);
             continue;
         }
         Str(9, var.name);
@@ -243,11 +340,33 @@ void Writer::Header() {
         Raw(9, "$HANDSEED");
         Hex(5, db_.HandleSeed());
     }
+    if (!extMin) {
+        Extents("$EXTMIN");
+    }
+    if (!extMax) {
+        Extents("$EXTMAX");
+    }
     if (R2000Plus() && db_.FindHeader("$EXTNAMES") == nullptr) {
         Raw(9, "$EXTNAMES");
         Raw(290, "1");
     }
     Raw(0, "ENDSEC");
+}
+
+// The model space's extents as they are when the file is written; an empty drawing has the
+// customary inverted box (1e20 ... -1e20).
+void Writer::Extents(const std::string& name) {
+    const bool min = name == "$EXTMIN";
+    Point3d p = min ? Point3d{1e20, 1e20, 1e20} : Point3d{-1e20, -1e20, -1e20};
+    if (extents_) {
+        p = min ? extents_->min : extents_->max;
+        // A text's box can reach past the furthest point a drawing may hold.
+        for (double* v : {&p.x, &p.y, &p.z}) {
+            *v = std::clamp(*v, -kMaxCoordinate, kMaxCoordinate);
+        }
+    }
+    Raw(9, name);
+    Point(10, p);
 }
 
 void Writer::Classes() {
@@ -552,10 +671,20 @@ private:
 
 // Audited first, so a drawing that must not be written leaves no trace at all.
 void RequireAudit(const Database& db, const std::string& path) {
-    const auto issues = Audit(db);
-    if (!issues.empty()) {
-        throw DxfError(path, 0, "the drawing fails its audit: " + FormatIssues(issues));
+    auto issues = Audit(db);
+    if (issues.empty()) {
+        return;
     }
+    // The first few say what is wrong; a drawing with thousands of faults must not make a
+    // message of thousands of lines.
+    constexpr std::size_t kShown = 3;
+    const std::size_t more = issues.size() > kShown ? issues.size() - kShown : 0;
+    issues.resize(issues.size() - more);
+    throw DxfError(path, 0,
+                   more == 0
+                       ? FillMessage("the drawing fails its audit: %s", {FormatIssues(issues)})
+                       : FillMessage("the drawing fails its audit: %s (and %d more)",
+                                     {FormatIssues(issues), std::to_string(more)}));
 }
 
 }  // namespace

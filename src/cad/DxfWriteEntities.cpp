@@ -1,5 +1,6 @@
 // Writing entities: the common part, each modelled entity's subclasses, unmodelled
 // entities as read, and extended data last.
+#include <algorithm>
 #include <cmath>
 #include <numbers>
 
@@ -11,7 +12,12 @@ namespace cad::dxfwrite {
 
 namespace {
 
-constexpr double kDegrees = 180.0 / std::numbers::pi;
+// A unit vector at an angle, with the noise of the sine and cosine of right angles removed
+// (cos 90 degrees is 6e-17, not 0).
+Point3d Direction(double angle) {
+    auto clean = [](double v) { return std::abs(v) < 1e-15 ? 0.0 : v; };
+    return {clean(std::cos(angle)), clean(std::sin(angle)), 0};
+}
 
 bool IsPlainAnchor(const Text& t) {
     return (t.horizontal == TextHorz::Left || t.horizontal == TextHorz::Aligned ||
@@ -147,8 +153,8 @@ void Writer::Body(const cad::Entity& e) {
             Real(40, a.radius);
             Extra(e, "AcDbCircle");
             Raw(100, "AcDbArc");
-            Real(50, a.startAngle * kDegrees);
-            Real(51, a.endAngle * kDegrees);
+            Angle(50, a.startAngle);
+            Angle(51, a.endAngle);
             Extra(e, "AcDbArc");
             UnusedExtra(e, {"AcDbCircle", "AcDbArc"});
             break;
@@ -204,13 +210,13 @@ void Writer::TextBody(const cad::Text& t, bool secondAcDbText) {
     Real(40, t.height);
     Str(1, t.text);
     if (t.rotation != 0) {
-        Real(50, t.rotation * kDegrees);
+        Angle(50, t.rotation);
     }
     if (t.widthFactor != 1) {
         Real(41, t.widthFactor);
     }
     if (t.oblique != 0) {
-        Real(51, t.oblique * kDegrees);
+        Angle(51, t.oblique);
     }
     Str(7,
         t.style != kNullHandle ? std::string_view(NameOf(t.style)) : std::string_view("Standard"));
@@ -246,7 +252,7 @@ void Writer::MTextBody(const cad::MText& t) {
     Raw(1, pieces.back());
     Str(7,
         t.style != kNullHandle ? std::string_view(NameOf(t.style)) : std::string_view("Standard"));
-    Point(11, {std::cos(t.rotation), std::sin(t.rotation), 0});
+    Point(11, Direction(t.rotation));
     Extra(t, "AcDbMText");
     UnusedExtra(t, {"AcDbMText"});
 }
@@ -281,7 +287,7 @@ void Writer::PolylineBody(const LwPolyline& p) {
 }
 
 void Writer::ReferenceBody(const BlockReference& r) {
-    Raw(100, "AcDbBlockReference");
+    Raw(100, r.IsArray() ? "AcDbMInsertBlock" : "AcDbBlockReference");
     bool attributes = false;
     for (Handle a : r.attributes) {
         const DbObject* o = db_.Object(a);
@@ -298,10 +304,17 @@ void Writer::ReferenceBody(const BlockReference& r) {
         Real(43, r.scale.z);
     }
     if (r.rotation != 0) {
-        Real(50, r.rotation * kDegrees);
+        Angle(50, r.rotation);
+    }
+    if (r.IsArray()) {
+        Int(70, std::max(1, r.columns));
+        Int(71, std::max(1, r.rows));
+        Real(44, r.columnSpacing);
+        Real(45, r.rowSpacing);
     }
     Extra(r, "AcDbBlockReference");
-    UnusedExtra(r, {"AcDbBlockReference"});
+    Extra(r, "AcDbMInsertBlock");
+    UnusedExtra(r, {"AcDbBlockReference", "AcDbMInsertBlock"});
 }
 
 // Subclasses a file gave a modelled entity beyond the ones it models: written after them.
@@ -320,8 +333,11 @@ void Writer::UnusedExtra(const cad::Entity& e, std::initializer_list<const char*
         if (known) {
             continue;
         }
-        const auto hash = seg.marker.find('#');
-        Str(100, seg.marker.substr(0, hash));
+        if (seg.marker.starts_with(kEmbeddedMarker)) {
+            Str(101, std::string_view(seg.marker).substr(kEmbeddedMarker.size()));
+        } else {
+            Str(100, seg.marker.substr(0, seg.marker.find('#')));
+        }
         Tags(seg.tags);
     }
 }

@@ -1,11 +1,13 @@
 // The writer's internals, shared by the files that write sections and entities.
 #pragma once
 
+#include <optional>
 #include <string>
 #include <unordered_map>
 
 #include "cad/Database.h"
 #include "cad/Dxf.h"
+#include "cad/Operations.h"
 
 namespace cad::dxfwrite {
 
@@ -22,6 +24,7 @@ private:
     void Str(int code, std::string_view value);  // text, encoded for the file
     void Raw(int code, std::string_view value);  // ASCII as it is
     void Real(int code, double v);
+    void Angle(int code, double radians);  // in degrees, without conversion noise
     void Int(int code, long long v);
     void Hex(int code, Handle h);
     void Point(int code, const Point3d& p);
@@ -33,6 +36,7 @@ private:
 
     // sections
     void Header();
+    void Extents(const std::string& name);
     void Classes();
     void Tables();
     void Table(const SymbolTable& table);
@@ -58,7 +62,7 @@ private:
 
     const std::string& NameOf(Handle record) const;
     const std::string& AppName(Handle app);  // as the file's version spells it
-    std::string FileAppName(std::string name) const;
+    void ShortenAppNames();
     bool R2000Plus() const { return version_ != DxfVersion::R14; }
 
     const Database& db_;
@@ -67,6 +71,7 @@ private:
     std::string charset_;
     std::unordered_map<Handle, std::string> appNames_;
     bool altered_ = false;
+    std::optional<Extents3d> extents_;
 };
 
 }  // namespace cad::dxfwrite

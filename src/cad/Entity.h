@@ -155,8 +155,19 @@ public:
     Point3d position;
     Vector3d scale{1, 1, 1};
     double rotation = 0;
+    // A reference with rows and columns repeats its block on a grid laid along its own
+    // rotated axes; one row and one column is an ordinary reference.
+    int columns = 1;
+    int rows = 1;
+    double columnSpacing = 0;
+    double rowSpacing = 0;
     std::vector<Handle> attributes;  // Attribute objects owned by this reference
-    Handle seqend = kNullHandle;     // ends the attribute list when there is one
+
+    bool IsArray() const { return columns > 1 || rows > 1; }
+    long long Instances() const {
+        return static_cast<long long>(columns < 1 ? 1 : columns) * (rows < 1 ? 1 : rows);
+    }
+    Handle seqend = kNullHandle;  // ends the attribute list when there is one
 };
 
 // Ends the attribute list of a block reference (or the vertices of an unmodelled entity).

@@ -7,6 +7,7 @@
 #include <unordered_set>
 
 #include "cad/Encoding.h"
+#include "cad/Expansion.h"
 #include "cad/Operations.h"
 
 namespace cad {
@@ -147,10 +148,12 @@ std::optional<Extents3d> PolylineExtents(const LwPolyline& p) {
 }
 
 // One measurement: each block's box is worked out once (in block units) and reused, and a
-// block met again inside itself is left out, so no file can make measuring blow up.
+// block met again inside itself or nested too deep is left out with an error, so no file can
+// make measuring blow up or run out of stack.
 struct Context {
     std::unordered_map<Handle, std::optional<Extents3d>> boxes;
     std::unordered_set<Handle> path;
+    std::string error;
 };
 
 std::optional<Extents3d> Measure(const Database& db, const Entity& entity, Context& ctx);
@@ -172,9 +175,19 @@ std::optional<Extents3d> BlockBox(const Database& db, const BlockRecord& block, 
     if (auto it = ctx.boxes.find(block.handle); it != ctx.boxes.end()) {
         return it->second;
     }
-    if (!ctx.path.insert(block.handle).second) {
-        return std::nullopt;  // the block contains itself
+    if (ctx.path.count(block.handle) != 0) {
+        if (ctx.error.empty()) {
+            ctx.error = BlockCycleMessage(block.name);
+        }
+        return std::nullopt;
     }
+    if (static_cast<int>(ctx.path.size()) >= kMaxBlockNesting) {
+        if (ctx.error.empty()) {
+            ctx.error = BlockNestingMessage(block.name);
+        }
+        return std::nullopt;
+    }
+    ctx.path.insert(block.handle);
     std::optional<Extents3d> box;
     for (Handle h : block.entities) {
         const auto* e = db.Get<Entity>(h);
@@ -195,14 +208,20 @@ std::optional<Extents3d> ReferenceExtents(const Database& db, const BlockReferen
     }
     std::optional<Extents3d> out;
     if (const auto box = BlockBox(db, *block, ctx)) {
-        const Matrix3d m = BlockTransform(db, ref);
-        Extents3d t{m.Apply(box->min), m.Apply(box->min)};
-        for (int k = 0; k < 8; ++k) {
-            t.Add(m.Apply(Point3d{(k & 1) ? box->max.x : box->min.x,
-                                  (k & 2) ? box->max.y : box->min.y,
-                                  (k & 4) ? box->max.z : box->min.z}));
+        // A grid is the same box moved along two axes: its corner cells bound it.
+        const int lastRow = std::max(1, ref.rows) - 1, lastColumn = std::max(1, ref.columns) - 1;
+        for (int row : {0, lastRow}) {
+            for (int column : {0, lastColumn}) {
+                const Matrix3d m = GridTransform(db, ref, row, column);
+                Extents3d t{m.Apply(box->min), m.Apply(box->min)};
+                for (int k = 0; k < 8; ++k) {
+                    t.Add(m.Apply(Point3d{(k & 1) ? box->max.x : box->min.x,
+                                          (k & 2) ? box->max.y : box->min.y,
+                                          (k & 4) ? box->max.z : box->min.z}));
+                }
+                out = Union(out, t);
+            }
         }
-        out = t;
     }
     for (Handle h : ref.attributes) {
         const auto* a = db.Get<Attribute>(h);
@@ -285,9 +304,31 @@ double TextWidth(std::string_view utf8, double height, double widthFactor) {
     return units * height * widthFactor;
 }
 
-std::optional<Extents3d> EntityExtents(const Database& db, const Entity& entity) {
+std::optional<Extents3d> EntityExtents(const Database& db, const Entity& entity,
+                                       std::string* error) {
     Context ctx;
-    return Measure(db, entity, ctx);
+    auto box = Measure(db, entity, ctx);
+    if (error != nullptr) {
+        *error = ctx.error;
+    }
+    return box;
+}
+
+std::optional<Extents3d> SpaceExtents(const Database& db, Handle space, std::string* error) {
+    Context ctx;
+    std::optional<Extents3d> box;
+    const BlockRecord* block = db.Block(space == kNullHandle ? db.ModelSpace() : space);
+    if (block != nullptr) {
+        for (Handle h : block->entities) {
+            if (const auto* e = db.Get<Entity>(h); e != nullptr && !e->erased) {
+                box = Union(box, Measure(db, *e, ctx));
+            }
+        }
+    }
+    if (error != nullptr) {
+        *error = ctx.error;
+    }
+    return box;
 }
 
 Matrix3d BlockTransform(const Database& db, const BlockReference& ref) {

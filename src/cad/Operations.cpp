@@ -6,13 +6,12 @@
 #include <unordered_map>
 
 #include "cad/Encoding.h"
+#include "cad/Expansion.h"
 #include "cad/NumberText.h"
 
 namespace cad {
 
 namespace {
-
-constexpr int kMaxNesting = 16;
 
 struct Frame {
     double angle = 0;  // rotation of the X axis
@@ -244,16 +243,27 @@ void Resolve(Entity& e, const Inherit& from, Handle layerZero) {
     }
 }
 
-// `path` holds the blocks being exploded around this one: a block met again inside itself is
-// left out, so a file cannot make explode multiply without end.
-void ExplodeInto(Database& db, const BlockReference& ref, const Matrix3d& m, const Inherit& from,
-                 Handle space, std::vector<Handle>& out, std::vector<Handle>& path) {
-    const BlockRecord* block = db.Block(ref.block);
-    if (block == nullptr || path.size() > kMaxNesting ||
-        std::find(path.begin(), path.end(), ref.block) != path.end()) {
+// The caller has counted what the reference expands to (cad/Expansion.h), so the blocks
+// met here are neither cyclic nor nested too deep, and what is appended stays in bounds.
+void ExplodeBlock(Database& db, Handle blockHandle, const Matrix3d& m, const Inherit& from,
+                  Handle space, std::vector<Handle>& out);
+
+void ExplodeInto(Database& db, const BlockReference& ref, const Matrix3d& outer,
+                 const Inherit& from, Handle space, std::vector<Handle>& out) {
+    for (int row = 0; row < std::max(1, ref.rows); ++row) {
+        for (int column = 0; column < std::max(1, ref.columns); ++column) {
+            ExplodeBlock(db, ref.block, outer * GridTransform(db, ref, row, column), from, space,
+                         out);
+        }
+    }
+}
+
+void ExplodeBlock(Database& db, Handle blockHandle, const Matrix3d& m, const Inherit& from,
+                  Handle space, std::vector<Handle>& out) {
+    const BlockRecord* block = db.Block(blockHandle);
+    if (block == nullptr) {
         return;
     }
-    path.push_back(ref.block);
     const Handle layerZero = db.FindLayer("0");
     const std::vector<Handle> members = block->entities;  // appending may grow model space
     for (Handle h : members) {
@@ -265,7 +275,7 @@ void ExplodeInto(Database& db, const BlockReference& ref, const Matrix3d& m, con
         if (const auto* nested = Database::Cast<BlockReference>(e)) {
             Inherit inner{nested->layer == layerZero ? from.layer : nested->layer,
                           nested->color == kColorByBlock ? from.color : nested->color};
-            ExplodeInto(db, *nested, m * BlockTransform(db, *nested), inner, space, out, path);
+            ExplodeInto(db, *nested, m, inner, space, out);
             for (Handle a : nested->attributes) {
                 const auto* att = db.Get<Attribute>(a);
                 if (att != nullptr && !att->erased && (att->flags & 1) == 0) {
@@ -282,20 +292,20 @@ void ExplodeInto(Database& db, const BlockReference& ref, const Matrix3d& m, con
         Resolve(*copy, from, layerZero);
         out.push_back(db.Append(std::move(copy), space));
     }
-    path.pop_back();
 }
 
 }  // namespace
 
-std::vector<Handle> ExplodeReference(Database& db, Handle reference) {
+namespace {
+
+std::vector<Handle> ExplodeCounted(Database& db, Handle reference) {
     std::vector<Handle> out;
     const auto* ref = db.Get<BlockReference>(reference);
     if (ref == nullptr || ref->erased || db.Block(ref->owner) == nullptr) {
         return out;
     }
     const Handle space = ref->owner;
-    std::vector<Handle> path;
-    ExplodeInto(db, *ref, BlockTransform(db, *ref), {ref->layer, ref->color}, space, out, path);
+    ExplodeInto(db, *ref, Matrix3d(), {ref->layer, ref->color}, space, out);
     ref = db.Get<BlockReference>(reference);
     for (Handle a : ref->attributes) {
         const auto* att = db.Get<Attribute>(a);
@@ -307,10 +317,35 @@ std::vector<Handle> ExplodeReference(Database& db, Handle reference) {
     return out;
 }
 
-int ExplodeAllReferences(Database& db, Handle space) {
+}  // namespace
+
+std::vector<Handle> ExplodeReference(Database& db, Handle reference, std::string* error) {
+    const auto* ref = db.Get<BlockReference>(reference);
+    std::string why;
+    if (ref != nullptr && !ref->erased && !CheckExpansion(db, *ref, why)) {
+        if (error != nullptr) {
+            *error = why;
+        }
+        return {};
+    }
+    return ExplodeCounted(db, reference);
+}
+
+int ExplodeAllReferences(Database& db, Handle space, std::string* error) {
+    // Counted together first: either every reference is exploded or none is.
+    ExpansionCounter counter(db);
+    const std::vector<Entity*> entities = db.Entities(space);
+    for (const Entity* e : entities) {
+        if (e->Kind() == ObjectKind::BlockReference && !counter.Add(*e)) {
+            if (error != nullptr) {
+                *error = counter.Error();
+            }
+            return -1;
+        }
+    }
     int count = 0;
-    for (Entity* e : db.Entities(space)) {
-        if (e->Kind() == ObjectKind::BlockReference && !ExplodeReference(db, e->handle).empty()) {
+    for (Entity* e : entities) {
+        if (e->Kind() == ObjectKind::BlockReference && !ExplodeCounted(db, e->handle).empty()) {
             ++count;
         } else if (e->Kind() == ObjectKind::BlockReference) {
             db.Erase(e->handle);  // an empty block draws nothing

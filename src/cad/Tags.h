@@ -4,6 +4,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 #include <vector>
 
 namespace cad {
@@ -20,6 +21,9 @@ using TagList = std::vector<Tag>;
 // Tags of a known object that its class does not model, kept per subclass marker so that
 // they are written back inside the subclass they were read from. The marker "" holds the
 // tags read before the first subclass marker (e.g. the 102 groups after the handle).
+// The marker of a part opened by group 101 (an embedded object) is this prefix and its name.
+inline constexpr std::string_view kEmbeddedMarker = "101:";
+
 struct ExtraTags {
     struct Segment {
         std::string marker;

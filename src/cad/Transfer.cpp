@@ -1,14 +1,13 @@
 // Copying entities from one database into another: a drawing file inserted as a block.
 #include <unordered_map>
 
+#include "cad/Expansion.h"
 #include "cad/NumberText.h"
 #include "cad/Operations.h"
 
 namespace cad {
 
 namespace {
-
-constexpr int kMaxNesting = 16;
 
 class Transfer {
 public:
@@ -17,7 +16,7 @@ public:
     // Copies the live entities of a source block into a target block.
     void CopyBlock(Handle sourceBlock, Handle targetBlock, int depth) {
         const BlockRecord* block = from_.Block(sourceBlock);
-        if (block == nullptr || depth > kMaxNesting) {
+        if (block == nullptr || depth > kMaxBlockNesting) {
             return;
         }
         for (Handle h : block->entities) {
@@ -185,9 +184,18 @@ private:
 
 }  // namespace
 
-Handle InsertAsBlock(Database& target, const Database& source, const std::string& blockName) {
+Handle InsertAsBlock(Database& target, const Database& source, const std::string& blockName,
+                     std::string* error) {
     if (blockName.empty() || blockName.front() == '*') {
         return kNullHandle;  // the spaces are not blocks to redefine
+    }
+    // What the copy will draw as is bounded here, once, where the source comes in.
+    std::string why;
+    if (!CheckExpansion(source, source.ModelSpace(), why)) {
+        if (error != nullptr) {
+            *error = why;
+        }
+        return kNullHandle;
     }
     Handle block = target.FindBlock(blockName);
     if (block == kNullHandle) {

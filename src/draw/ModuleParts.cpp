@@ -4,6 +4,7 @@
 #include <cmath>
 #include <memory>
 
+#include "cad/Message.h"
 #include "cad/Operations.h"
 #include "cadutil/BlockHelpers.h"
 #include "cadutil/EntityHelpers.h"
@@ -391,7 +392,11 @@ bool LoadSymbolBlock(DrawContext& ctx) {
         host::Print("文件<" + ctx.dlg.termSymbolPath + ">打开失败！" + "\n");
         return false;
     }
-    ctx.symbolBlock = cad::InsertAsBlock(ctx.db, *symbol, ctx.dlg.termSymbolName);
+    std::string error;
+    ctx.symbolBlock = cad::InsertAsBlock(ctx.db, *symbol, ctx.dlg.termSymbolName, &error);
+    if (!error.empty()) {
+        host::Print(cad::FillMessage("文件<%s>: %s\n", {ctx.dlg.termSymbolPath, error}));
+    }
     ctx.symbolFootprints.clear();
     return ctx.symbolBlock != cad::kNullHandle;
 }

@@ -219,9 +219,10 @@ TEST(RoundTrip, WriterTellsWhenTheFileCannotHoldTheDrawingExactly) {
     escapesOnly.AppendNew<MText>()->contents = "{\\H2;A}\\P\\U";
     EXPECT_TRUE(exactly(escapesOnly, DxfVersion::R2010));
 
+    // A number no file can hold is not written at all.
     Database nan;
     nan.AppendNew<Circle>()->radius = std::nan("");
-    EXPECT_FALSE(exactly(nan, DxfVersion::R2010));
+    EXPECT_THROW(exactly(nan, DxfVersion::R2010), DxfError);
 }
 
 // A drawing larger than the file writer's buffer is the same text on disk as in memory.

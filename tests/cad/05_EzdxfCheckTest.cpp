@@ -159,7 +159,7 @@ TEST(EzdxfCheck, TheCheckCatchesWhatEzdxfLetsThrough) {
 
 TEST(EzdxfCheck, ForeignDrawingsLoseNothingInAnyVersion) {
     ts::TempDir dir;
-    for (const char* source : {"R2000", "R2010"}) {
+    for (const char* source : {"R2000", "R2010", "R2018"}) {
         const auto original = dir / (std::string("foreign_") + source + ".dxf");
         std::string output;
         ASSERT_EQ(

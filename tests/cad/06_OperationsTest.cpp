@@ -84,16 +84,21 @@ TEST(Extents, BlockReferencesMeasureVisibleContentUnderTheirTransform) {
     auto* ref = db.InsertBlock(block, {10, 10, 0}, {2, 2, 2}, std::numbers::pi / 2);
     // The line runs from the base point (0,0) to (2,1) in block units: scaled x2, turned 90°.
     ExpectBox(EntityExtents(db, *ref), 8, 10, 10, 14);
-    // A block that references itself (three times over) is measured and exploded without
-    // recursing forever or multiplying its copies.
+    // A block that references itself (three times over) is measured without its references
+    // to itself, and is not exploded at all: both say why.
     for (int i = 0; i < 3; ++i) {
         auto self = std::make_unique<BlockReference>();
         self->block = block;
         self->position = {static_cast<double>(i), 0, 0};
         db.Append(std::move(self), block);
     }
-    ExpectBox(EntityExtents(db, *ref), 8, 10, 10, 14);
-    EXPECT_EQ(ExplodeReference(db, ref->handle).size(), 3u);  // line, circle and text, once each
+    std::string error;
+    ExpectBox(EntityExtents(db, *ref, &error), 8, 10, 10, 14);
+    EXPECT_NE(error.find("contains itself"), std::string::npos) << error;
+    error.clear();
+    EXPECT_TRUE(ExplodeReference(db, ref->handle, &error).empty());
+    EXPECT_NE(error.find("contains itself"), std::string::npos) << error;
+    EXPECT_FALSE(ref->erased);
 }
 
 TEST(Operations, TransformsKeepArcsAndTextsConsistent) {

@@ -1,12 +1,16 @@
 """Writes, with ezdxf, a drawing holding entities and objects the drawing database does not
-model (hatch, spline, dimension, image with its definition, ellipse, old-style polyline,
-mesh of extra tags), plus modelled ones with unusual tags (thickness, lineweight, linetype).
+model (hatch, spline, dimension with style overrides, multileader, image with its definition,
+ellipse, old-style polyline, mesh of extra tags), plus modelled ones with unusual tags
+(thickness, lineweight, linetype), a reference with rows, columns and an attribute, and an
+MTEXT with columns.
 
 Usage: make_foreign.py OUT.dxf VERSION   (VERSION as ezdxf names it: R2000, R2010, ...)
 """
 import sys
 
 import ezdxf
+from ezdxf.math import Vec2
+from ezdxf.render import mleader
 
 
 def main():
@@ -35,6 +39,18 @@ def main():
     block.add_attdef("TAG", (0, 3), dxfattribs={"height": 1.5})
     ref = msp.add_blockref("FOREIGN_BLOCK", (30, 30), dxfattribs={"rotation": 30})
     ref.add_attrib("TAG", "value", (30, 33))
+    grid = msp.add_blockref("FOREIGN_BLOCK", (60, 30))
+    grid.grid(size=(3, 2), spacing=(7, 4))
+    grid.add_attrib("TAG", "in a grid", (60, 33))
+    overridden = msp.add_linear_dim(base=(0, 80), p1=(0, 70), p2=(10, 70),
+                                    override={"dimtxt": 4.5, "dimclrt": 3})
+    overridden.render()
+    leader = msp.add_multileader_mtext("Standard")
+    leader.set_content("leader text")
+    leader.add_leader_line(mleader.ConnectionSide.left, [(40, 60)])
+    leader.build(Vec2(45, 65))
+    msp.add_mtext_static_columns(["first column", "second column"], width=20, gutter_width=2,
+                                 height=30, dxfattribs={"insert": (0, 100)})
     xdict = doc.rootdict.get_required_dict("QV_DWG_DICITIONARY")
     xrec = doc.objects.add_xrecord(xdict.dxf.handle)
     xrec.reset([(1, "C:/plc/location"), (40, 1.5)])

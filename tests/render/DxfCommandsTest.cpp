@@ -100,6 +100,22 @@ TEST(DxfRender, MalformedInputNamesFileAndLine) {
     EXPECT_EQ(Qv("dxf info " + (dir / "missing.dxf").string(), &out), 3);
 }
 
+TEST(DxfRender, SelfNestedBlocksAreRefusedAtOnceWithTheBlockNamed) {
+    TempDir dir;
+    const auto png = dir / "nested.png";
+    std::string out;
+    // Without the bound this runs for hours; `timeout` turns that into exit 124.
+    EXPECT_EQ(
+        RunCommand("timeout 60 " + Qvplc() + " dxf render " +
+                       (SourceDir() / "fuzz/corpus/regression-self-nested-blocks.dxf").string() +
+                       " " + png.string() + " 2>&1",
+                   &out),
+        1)
+        << out;
+    EXPECT_NE(out.find("block \"SYMB\" contains itself"), std::string::npos) << out;
+    EXPECT_FALSE(std::filesystem::exists(png));
+}
+
 TEST(DxfRender, UsageErrors) {
     TempDir dir;
     std::string out;

@@ -226,3 +226,31 @@ TEST(EntityWalk, MTextArrivesAsParagraphs) {
     EXPECT_DOUBLE_EQ(block.height, 2.5);
     EXPECT_NEAR(block.rotation, std::numbers::pi / 2, 1e-12);
 }
+
+TEST(EntityWalk, AGridIsDrawnCellByCellAndASelfNestedBlockNotAtAll) {
+    cad::Database db;
+    const cad::Handle block = db.DefineBlock("CELL");
+    db.AppendNew<cad::PointEntity>(block);
+    auto* grid = db.InsertBlock(block, {1, 2, 0});
+    grid->columns = 3;
+    grid->rows = 2;
+    grid->columnSpacing = 10;
+    grid->rowSpacing = 100;
+    RecordingCanvas canvas;
+    EXPECT_EQ(DrawSpace(db, canvas, {}).refused, "");
+    ASSERT_EQ(canvas.calls.size(), 6u);
+    EXPECT_TRUE(Near(canvas.calls.back().points[0], {21, 102}));
+
+    // Three references to itself: 3^16 instances before the nesting limit stops them.
+    const cad::Handle self = db.DefineBlock("SELF");
+    db.AppendNew<cad::Line>(self);
+    for (int k = 0; k < 3; ++k) {
+        db.InsertBlock(self, {static_cast<double>(k), 0, 0}, {1, 1, 1}, 0, self);
+    }
+    db.InsertBlock(self, {});
+    RecordingCanvas refused;
+    const WalkCounts counts = DrawSpace(db, refused, {});
+    EXPECT_NE(counts.refused.find("block \"SELF\" contains itself"), std::string::npos)
+        << counts.refused;
+    EXPECT_TRUE(refused.calls.empty());
+}

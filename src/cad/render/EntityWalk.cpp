@@ -173,12 +173,16 @@ bool Walker::Texts(const Entity& e, Rgb colour, const Matrix3d& m, const Context
 void Walker::Reference(const BlockReference& ref, int colour, Handle layer, const Context& ctx) {
     if (ctx.depth < options_.maxDepth && db_.Block(ref.block)) {
         Context inner;
-        inner.toWorld = ctx.toWorld * BlockTransform(db_, ref);
         inner.blockColour = colour;
         inner.blockLayer = layer;
         inner.depth = ctx.depth + 1;
         inner.insideReference = true;
-        Space(ref.block, inner);
+        for (int row = 0; row < std::max(1, ref.rows); ++row) {
+            for (int column = 0; column < std::max(1, ref.columns); ++column) {
+                inner.toWorld = ctx.toWorld * GridTransform(db_, ref, row, column);
+                Space(ref.block, inner);
+            }
+        }
     }
     for (const Handle h : ref.attributes) {
         const Attribute* attribute = db_.Get<Attribute>(h);
@@ -255,9 +259,14 @@ void Walker::DrawMText(const MText& text, Rgb colour, const Matrix3d& m) {
 }  // namespace
 
 WalkCounts DrawSpace(const Database& db, Canvas& canvas, const WalkOptions& options, Handle space) {
+    const Handle drawn = space == kNullHandle ? db.ModelSpace() : space;
+    WalkCounts refused;
+    if (!CheckExpansion(db, drawn, refused.refused)) {
+        return refused;
+    }
     Walker walker(db, canvas, options);
     Context ctx;
-    walker.Space(space == kNullHandle ? db.ModelSpace() : space, ctx);
+    walker.Space(drawn, ctx);
     return walker.counts;
 }
 

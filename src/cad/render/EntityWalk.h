@@ -5,23 +5,28 @@
 #include <string>
 
 #include "cad/Database.h"
+#include "cad/Expansion.h"
 #include "cad/render/Canvas.h"
 
 namespace cad::render {
 
 struct WalkOptions {
     Rgb background{1, 1, 1};  // decides the colour of index 7 and the darkening of light ones
-    int maxDepth = 16;        // nested block references deeper than this are left out
+    int maxDepth = kMaxBlockNesting;  // nested block references deeper are left out
 };
 
 // What the walk met, for the caller's report.
 struct WalkCounts {
     int drawn = 0;
     int skipped = 0;  // invisible, on a layer that is off or frozen, or not drawable
+    // Why nothing was drawn: the space expands past the bounds of cad/Expansion.h.
+    std::string refused;
 };
 
 // Draws the live entities of `space` (model space when kNullHandle). Attribute definitions
-// show their tags when the block itself is drawn, and are left out inside references.
+// show their tags when the block itself is drawn, and are left out inside references. A space
+// whose references expand past the bounds of cad/Expansion.h is not drawn at all (`refused`
+// says why), so no drawing can make the walk run without end.
 WalkCounts DrawSpace(const Database& db, Canvas& canvas, const WalkOptions& options,
                      Handle space = kNullHandle);
 

@@ -12,6 +12,10 @@ bool RenderToFile(const Database& db, const std::string& path, const RenderOptio
             return false;
         }
     }
+    // Refused before the picture file is touched.
+    if (!CheckExpansion(db, space, error)) {
+        return false;
+    }
     WalkOptions walk;
     walk.background = options.picture.background;
     WalkCounts last;
