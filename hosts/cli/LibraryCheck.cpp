@@ -31,6 +31,10 @@ int ExplainLibraryTrouble(const std::string& path) {
             path.c_str());
         return kExitBadInput;
     }
+    // A FIFO or device would block the probe below; the library layer has named it already.
+    if (!std::filesystem::is_regular_file(path, ec)) {
+        return kExitBadInput;
+    }
     if (LibraryLocked(path)) {
         Complainf("the library %s is in use by another program; try again when it is done",
                   path.c_str());

@@ -131,7 +131,7 @@ TEST_F(ProgramTest, EveryRowOfTheExitCodeTableComesFromARealCommand) {
     run = Qvplc(std::string("draw ") + kModule + " --tag A1 --at 0,0 --drawing '" +
                 (dir_ / (std::string(300, 'y') + ".dxf")).string() + "'");
     EXPECT_EQ(run.code, cli::kExitCannotWrite) << run.err;
-    EXPECT_NE(run.err.find("File name too long"), std::string::npos) << run.err;
+    EXPECT_NE(run.err.find("the file name or the path is too long"), std::string::npos) << run.err;
     ExpectOneMessageForm();
 }
 

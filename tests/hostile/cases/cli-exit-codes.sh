@@ -119,15 +119,15 @@ long=$S/$(printf 'y%.0s' $(seq 300)).dxf
 run cli-long-file-name draw "$MODULE" --tag A1 --at 0,0 --drawing "$long"
 c=$?
 if expect_code cli-long-file-name 7 $c; then
-    has cli-long-file-name "File name too long" && ok cli-long-file-name ||
+    has cli-long-file-name "too long" && ok cli-long-file-name ||
         fail cli-long-file-name "no reason given"
 fi
 ln -s "$S/loop-b" "$S/loop-a"
 ln -s "$S/loop-a" "$S/loop-b"
 run cli-symlink-loop draw "$MODULE" --tag A1 --at 0,0 --drawing "$S/loop-a/x.dxf"
 c=$?
-if expect_code cli-symlink-loop 7 $c; then
-    has cli-symlink-loop "Too many levels of symbolic links" && ok cli-symlink-loop ||
+if expect_code cli-symlink-loop 3 $c; then
+    has cli-symlink-loop "link loop" && ok cli-symlink-loop ||
         fail cli-symlink-loop "no reason given"
 fi
 ZANDRIX_LOCAL_DIR=$S/$(printf 'x%.0s' $(seq 300)) run cli-long-local-dir lib tree

@@ -109,20 +109,20 @@ case_modes_and_links() {
     ln "$dir/real/target.dxf" "$dir/hard.dxf"
     local before=$(sum "$dir/hard.dxf")
     draw "$dir/hard.dxf" H1
-    expect_refused hard-link-refused 1 "hard links" "$dir/real/target.dxf" "$before"
+    expect_refused hard-link-refused 7 "hard links" "$dir/real/target.dxf" "$before"
 
     draw "$dir/ro.dxf" R1
     chmod 0444 "$dir/ro.dxf"
     before=$(sum "$dir/ro.dxf")
     draw "$dir/ro.dxf" R2
-    expect_refused read-only-file-refused 1 "read-only" "$dir/ro.dxf" "$before"
+    expect_refused read-only-file-refused 7 "read-only" "$dir/ro.dxf" "$before"
 
     mkdir "$dir/rofolder"
     draw "$dir/rofolder/d.dxf" F1
     chmod 0555 "$dir/rofolder"
     before=$(sum "$dir/rofolder/d.dxf")
     draw "$dir/rofolder/d.dxf" F2
-    expect_refused read-only-folder-refused 1 "folder is read-only" "$dir/rofolder/d.dxf" "$before"
+    expect_refused read-only-folder-refused 7 "folder is read-only" "$dir/rofolder/d.dxf" "$before"
     chmod 0755 "$dir/rofolder"
 
     local stray=$(find "$dir" -name '.qv~*' -o -name '*.tmp*' | head -1)
@@ -137,31 +137,31 @@ case_same_input_and_output() {
     draw D.dxf S1
     local before=$(sum D.dxf)
     draw D.dxf S2 --png D.dxf
-    expect_refused png-is-the-drawing 3 "also an input" D.dxf "$before"
+    expect_refused png-is-the-drawing 2 "also an input" D.dxf "$before"
     draw D.dxf S2 --png ./D.dxf
-    expect_refused png-is-the-drawing-spelled-otherwise 3 "also an input" D.dxf "$before"
+    expect_refused png-is-the-drawing-spelled-otherwise 2 "also an input" D.dxf "$before"
     ln -s D.dxf alias.png
     draw D.dxf S2 --png alias.png
-    expect_refused png-is-the-drawing-through-a-link 3 "also an input" D.dxf "$before"
+    expect_refused png-is-the-drawing-through-a-link 2 "also an input" D.dxf "$before"
     draw new.dxf S3 --png ./new.dxf
-    [ "$RC" -eq 3 ] && [ ! -e new.dxf ] && ok png-is-the-new-drawing ||
+    [ "$RC" -eq 2 ] && [ ! -e new.dxf ] && ok png-is-the-new-drawing ||
         fail png-is-the-new-drawing "exit $RC, new.dxf $( [ -e new.dxf ] && echo written)"
     local lib=$(sum PLC/QvPLC.db)
     draw D.dxf S2 --png PLC/QvPLC.db
-    expect_refused png-is-the-library 3 "also an input" PLC/QvPLC.db "$lib"
+    expect_refused png-is-the-library 2 "also an input" PLC/QvPLC.db "$lib"
     # The terminal symbol the settings draw with, in a common folder of this case's own.
     cp -r "$QV_SHARE" common
     local symbol=common/SYMB2LIB/SYMB2_S_KTR5.dxf sym=$(sum common/SYMB2LIB/SYMB2_S_KTR5.dxf)
     ZANDRIX_COMMON_DIR=$PWD/common draw D.dxf S2 --png "$symbol"
-    expect_refused png-is-the-terminal-symbol 3 "also an input" "$symbol" "$sym"
+    expect_refused png-is-the-terminal-symbol 2 "also an input" "$symbol" "$sym"
     run dxf convert D.dxf ./D.dxf --version 2010
-    expect_refused convert-onto-its-input 3 "also an input" D.dxf "$before"
+    expect_refused convert-onto-its-input 2 "also an input" D.dxf "$before"
     run dxf render D.dxf alias.png
-    expect_refused render-onto-its-input 3 "also an input" D.dxf "$before"
+    expect_refused render-onto-its-input 2 "also an input" D.dxf "$before"
     cp PLC/QvPLC.db lib.mdb
     local mdb=$(sum lib.mdb)
     run lib migrate lib.mdb --library ./lib.mdb --force
-    expect_refused migrate-onto-its-source 3 "also an input" lib.mdb "$mdb"
+    expect_refused migrate-onto-its-source 2 "also an input" lib.mdb "$mdb"
     cd - >/dev/null
 }
 
@@ -197,7 +197,7 @@ case_odd_paths() {
 
     local long=$(printf 'n%.0s' $(seq 1 300))
     draw "$dir/$long.dxf" X
-    expect_refused name-of-300-characters 3 "too long"
+    expect_refused name-of-300-characters 7 "too long"
 
     draw "$dir/nowhere/d.dxf" X
     [ "$RC" -eq 3 ] && [ ! -e "$dir/nowhere" ] && grep -qF "does not exist" <<<"$ERR" &&
@@ -212,7 +212,7 @@ case_odd_paths() {
         ERR=$(timeout 20 setpriv --reuid=65534 --regid=65534 --clear-groups \
             "$QVPLC" draw "$MODULE" --tag X --at 0,0 --drawing "$dir/closed/d.dxf" 2>&1 >/dev/null)
         RC=$?
-        expect_refused folder-without-permission 1 "permission denied"
+        expect_refused folder-without-permission 7 "permission denied"
     fi
 }
 
@@ -238,7 +238,7 @@ case_long_local_dir() {
         fi
     done
     run settings set termSpacing=12
-    expect_refused "long-local-dir: settings set says why" 3 "too long"
+    expect_refused "long-local-dir: settings set says why" 7 "too long"
 }
 
 # --- read-only commands on a WAL library ------------------------------------------------------
