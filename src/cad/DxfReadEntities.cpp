@@ -46,6 +46,7 @@ bool In(const std::string& marker, const char* a, const char* b = nullptr) {
 }  // namespace
 
 void Reader::EntitiesSection(long line) {
+    MakeSpaces();
     Record rec;
     for (;;) {
         if (!ReadRecord(rec)) {
@@ -57,6 +58,9 @@ void Reader::EntitiesSection(long line) {
         }
         if (rec.type == "EOF" || rec.type == "SECTION") {
             tok_.Fail(rec.line, "section ENTITIES is not terminated by ENDSEC", rec.type);
+        }
+        if (old_) {
+            AddEntityMarkers(rec);
         }
         EntityRecord(rec, kNullHandle);
     }

@@ -139,7 +139,21 @@ void Reader::TableRecordOf(const Record& rec, SymbolTable& table) {
 
 // ---- blocks
 
+void Reader::MakeSpaces() {
+    if (!old_) {
+        return;
+    }
+    for (const char* name : {"*Model_Space", "*Paper_Space"}) {
+        if (db_->FindBlock(name) == kNullHandle) {
+            const Handle before = db_->HandleSeed();
+            db_->DefineBlock(name);
+            Generated(before);
+        }
+    }
+}
+
 void Reader::Blocks(long line) {
+    MakeSpaces();
     Record rec;
     for (;;) {
         ExpectRecord(rec, "section BLOCKS");
@@ -162,12 +176,19 @@ void Reader::Block(const Record& head, long sectionLine) {
             break;
         }
     }
+    if (old_ && EqualsNoCase(name, "$MODEL_SPACE")) {
+        name = "*Model_Space";  // the spaces' names before R13
+    } else if (old_ && EqualsNoCase(name, "$PAPER_SPACE")) {
+        name = "*Paper_Space";
+    }
     Handle recordHandle = db_->FindBlock(name);
     if (recordHandle == kNullHandle) {
         const Handle before = db_->HandleSeed();
         recordHandle = db_->DefineBlock(name);
         Generated(before);
-        Repair("block " + name + " had no block record");
+        if (!old_) {
+            Repair("block " + name + " had no block record");
+        }
     }
     BlockRecord& block = *db_->Block(recordHandle);
     block.beginHandle = p.handle;
@@ -207,6 +228,9 @@ void Reader::Block(const Record& head, long sectionLine) {
         }
         if (rec.type == "ENDSEC" || rec.type == "BLOCK" || rec.type == "EOF") {
             tok_.Fail(rec.line, "block " + name + " is not terminated by ENDBLK", rec.type);
+        }
+        if (old_) {
+            AddEntityMarkers(rec);
         }
         EntityRecord(rec, recordHandle);
     }
@@ -313,12 +337,22 @@ namespace cad::dxfread {
 
 // After the last section: the required objects, names resolved, dangling links cut.
 void Reader::Finish() {
+    // R12 and older have no block records, spaces' blocks or objects: made without a word.
+    if (old_) {
+        db_->AddMissingDefaults();
+    }
     auto require = [this](bool present, const std::string& what, const std::function<void()>& add) {
         if (!present) {
             add();
-            Repair(what + " was missing; it was added");
+            if (!old_) {
+                Repair(what + " was missing; it was added");
+            }
         }
     };
+    if (!old_ && unhandled_ > badHandles_) {
+        Repair(std::to_string(unhandled_ - badHandles_) +
+               " objects had no handle; they were given new ones");
+    }
     require(db_->FindLayer("0") != kNullHandle, "layer 0", [this] { db_->AddLayer("0"); });
     require(db_->FindTextStyle("Standard") != kNullHandle, "text style Standard",
             [this] { db_->AddTextStyle("Standard"); });
