@@ -537,7 +537,7 @@ bool Reader::TakeSpecific(Entity& e, const std::string& m, const RawTag& t,
         }
         case ObjectKind::BlockReference: {
             auto& r = static_cast<BlockReference&>(e);
-            if (!In(m, "AcDbBlockReference"))
+            if (!In(m, "AcDbBlockReference", "AcDbMInsertBlock"))
                 return false;
             if (t.code == 10)
                 return true;

@@ -176,7 +176,19 @@ void Reader::Block(const Record& head, long sectionLine) {
             break;
         }
     }
-    if (old_ && EqualsNoCase(name, "$MODEL_SPACE")) {
+    if (name.empty()) {
+        // A block must have a name to be referenced and written: give it one of its own.
+        std::string fresh;
+        for (int n = 1; fresh.empty() || db_->FindBlock(fresh) != kNullHandle; ++n) {
+            fresh = "UNNAMED_BLOCK_" + std::to_string(n);
+        }
+        Repair("line " + std::to_string(head.line) + ": a block without a name was named " + fresh);
+        if (BlockRecord* unnamed = db_->Block(db_->FindBlock(""))) {
+            unnamed->name = fresh;  // its record, also without a name
+            db_->ReindexRecords();
+        }
+        name = fresh;
+    } else if (old_ && EqualsNoCase(name, "$MODEL_SPACE")) {
         name = "*Model_Space";  // the spaces' names before R13
     } else if (old_ && EqualsNoCase(name, "$PAPER_SPACE")) {
         name = "*Paper_Space";
@@ -337,38 +349,29 @@ namespace cad::dxfread {
 
 // After the last section: the required objects, names resolved, dangling links cut.
 void Reader::Finish() {
-    // R12 and older have no block records, spaces' blocks or objects: made without a word.
-    if (old_) {
-        db_->AddMissingDefaults();
-    }
-    auto require = [this](bool present, const std::string& what, const std::function<void()>& add) {
-        if (!present) {
-            add();
-            if (!old_) {
-                Repair(what + " was missing; it was added");
+    if (!old_) {
+        // What a drawing of R13 or later must hold; R12 and older have no block records,
+        // spaces' blocks or objects, and get them without a word.
+        const std::pair<bool, const char*> required[] = {
+            {db_->FindLayer("0") != kNullHandle, "layer 0"},
+            {db_->FindTextStyle("Standard") != kNullHandle, "text style Standard"},
+            {db_->FindApp("ACAD") != kNullHandle, "application ACAD"},
+            {db_->FindBlock("*Model_Space") != kNullHandle, "model space"},
+            {db_->FindBlock("*Paper_Space") != kNullHandle, "paper space"},
+            {db_->NamedObjects() != kNullHandle, "the named object dictionary"}};
+        for (const auto& [present, what] : required) {
+            if (!present) {
+                Repair(std::string(what) + " was missing; it was added");
             }
         }
-    };
-    if (!old_ && unhandled_ > badHandles_) {
-        Repair(std::to_string(unhandled_ - badHandles_) +
-               " objects had no handle; they were given new ones");
+        if (unhandled_ > badHandles_) {
+            Repair(std::to_string(unhandled_ - badHandles_) +
+                   " objects had no handle; they were given new ones");
+        }
     }
-    require(db_->FindLayer("0") != kNullHandle, "layer 0", [this] { db_->AddLayer("0"); });
-    require(db_->FindTextStyle("Standard") != kNullHandle, "text style Standard",
-            [this] { db_->AddTextStyle("Standard"); });
-    require(db_->FindApp("ACAD") != kNullHandle, "application ACAD",
-            [this] { db_->RegisterApp("ACAD"); });
-    require(db_->FindBlock("*Model_Space") != kNullHandle, "model space",
-            [this] { db_->DefineBlock("*Model_Space"); });
-    require(db_->FindBlock("*Paper_Space") != kNullHandle, "paper space",
-            [this] { db_->DefineBlock("*Paper_Space"); });
-    db_->SetSpaces(db_->FindBlock("*Model_Space"), db_->FindBlock("*Paper_Space"));
-    require(db_->NamedObjects() != kNullHandle, "the named object dictionary", [this] {
-        auto root = std::make_unique<Dictionary>();
-        const Handle h = db_->Add(std::move(root));
-        db_->MutableObjects().insert(db_->MutableObjects().begin(), h);
-        db_->SetNamedObjects(h);
-    });
+    // Dictionaries every drawing is expected to hold (an empty ACAD_COLOR, say) are added
+    // as well, without a word: they hold nothing of the drawing.
+    db_->AddMissingDefaults();
     for (const auto& [ref, name] : pendingBlocks_) {
         Handle block = db_->FindBlock(name);
         if (block == kNullHandle) {
@@ -379,6 +382,7 @@ void Reader::Finish() {
             r->block = block;
         }
     }
+    CompleteBlocks();
     db_->ForEachObject([this](const DbObject& o) {
         auto* e = const_cast<Entity*>(dynamic_cast<const Entity*>(&o));
         if (e == nullptr) {
@@ -396,6 +400,30 @@ void Reader::Finish() {
         }
     });
     db_->SetCurrentsFromHeader();
+}
+
+// Block records whose BLOCK never came (or came without a name) get an empty definition.
+void Reader::CompleteBlocks() {
+    const auto* table = db_->Get<SymbolTable>(db_->Table("BLOCK_RECORD"));
+    if (table == nullptr) {
+        return;
+    }
+    for (Handle h : table->records) {
+        BlockRecord* block = db_->Block(h);
+        if (block == nullptr || block->erased) {
+            continue;
+        }
+        if (block->beginHandle == kNullHandle || block->endHandle == kNullHandle) {
+            block->beginHandle = db_->NewHandle();
+            block->endHandle = db_->NewHandle();
+            if (block->beginLayer == kNullHandle) {
+                block->beginLayer = db_->FindLayer("0");
+            }
+            Repair("block " + block->name +
+                   " had no definition in section BLOCKS; an empty "
+                   "one was added");
+        }
+    }
 }
 
 }  // namespace cad::dxfread

@@ -77,6 +77,7 @@ private:
     void EntitiesSection(long line);
     void Objects(long line);
     void Finish();
+    void CompleteBlocks();
 
     // entities
     void CheckType(const Record& rec, const char* section) const;
