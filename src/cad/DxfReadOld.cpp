@@ -217,7 +217,20 @@ void AddEntityMarkers(Record& rec) {
 
 void AddRecordMarkers(Record& rec) {
     const std::string_view own = RecordMarker(rec.type);
-    if (own.empty() || HasMarkers(rec)) {
+    if (own.empty()) {
+        return;
+    }
+    if (HasMarkers(rec)) {
+        // Some writers of R12 put the common marker only: the table's own follows it.
+        auto common = std::find_if(rec.tags.begin(), rec.tags.end(), [](const RawTag& t) {
+            return t.code == 100 && Trim(t.value) == "AcDbSymbolTableRecord";
+        });
+        const bool hasOwn = std::any_of(rec.tags.begin(), rec.tags.end(), [&](const RawTag& t) {
+            return t.code == 100 && Trim(t.value) == own;
+        });
+        if (common != rec.tags.end() && !hasOwn) {
+            rec.tags.insert(common + 1, RawTag{100, own, rec.line});
+        }
         return;
     }
     const std::size_t head = HeadLength(rec);

@@ -1,5 +1,6 @@
 // Reading table records, blocks and objects, and completing the database afterwards.
 #include <functional>
+#include <unordered_map>
 
 #include "cad/DxfReader.h"
 #include "cad/NumberText.h"
@@ -168,7 +169,7 @@ void Reader::Blocks(long line) {
 }
 
 void Reader::Block(const Record& head, long sectionLine) {
-    Parsed p = Parse(head, false);
+    Parsed p = Parse(head);
     std::string name;
     for (const auto& t : p.body) {
         if (t.code == 2) {
@@ -230,6 +231,8 @@ void Reader::Block(const Record& head, long sectionLine) {
             }
         }
     }
+    // Extended data stays last, after the block's own groups.
+    KeepAll(p.xdata, block.beginExtra.Get("AcDbBlockBegin"));
     Record rec;
     for (;;) {
         if (!ReadRecord(rec)) {
@@ -383,6 +386,8 @@ void Reader::Finish() {
         }
     }
     CompleteBlocks();
+    RepairLayouts();
+    RepairObjectOwners();
     db_->ForEachObject([this](const DbObject& o) {
         auto* e = const_cast<Entity*>(dynamic_cast<const Entity*>(&o));
         if (e == nullptr) {
@@ -400,6 +405,112 @@ void Reader::Finish() {
         }
     });
     db_->SetCurrentsFromHeader();
+}
+
+// A layout names its block record, and a layout's block record names its layout. Writers
+// leave either link pointing at nothing; readers then refuse the file, so each is mended
+// from the other side, and a layout with neither is dropped.
+void Reader::RepairLayouts() {
+    const Handle layouts = db_->FindDictionary("ACAD_LAYOUT");
+    auto* dict = db_->GetDictionary(layouts);
+    if (dict == nullptr) {
+        return;
+    }
+    const auto entries = dict->entries;
+    for (const auto& [name, h] : entries) {
+        auto* layout = db_->Get<UnknownObject>(h);
+        if (layout == nullptr || layout->typeName != "LAYOUT") {
+            continue;
+        }
+        // The block record is the first 330 after the AcDbLayout marker.
+        Tag* link = nullptr;
+        bool inLayout = false;
+        for (Tag& t : layout->tags) {
+            inLayout = inLayout || (t.code == 100 && t.value == "AcDbLayout");
+            if (inLayout && t.code == 330) {
+                link = &t;
+                break;
+            }
+        }
+        Handle record = kNullHandle;
+        if (link != nullptr && ParseHandle(link->value, record) && db_->Block(record) != nullptr) {
+            if (db_->Object(db_->Block(record)->layout) == nullptr) {
+                db_->Block(record)->layout = h;
+            }
+            continue;
+        }
+        record = kNullHandle;
+        db_->ForEachObject([&](const DbObject& o) {
+            const auto* b = Database::Cast<BlockRecord>(&o);
+            if (b != nullptr && !b->erased && b->layout == h) {
+                record = b->handle;
+            }
+        });
+        if (record == kNullHandle && EqualsNoCase(name, "Model")) {
+            record = db_->ModelSpace();
+        }
+        if (link != nullptr && record != kNullHandle) {
+            Repair("layout " + name + " named block record " + link->value +
+                   ", which does not exist; it was linked to " + db_->Block(record)->name);
+            link->value = FormatHandle(record);
+            db_->Block(record)->layout = h;
+        } else {
+            Repair("layout " + name + " had no block record; it was dropped");
+            dict->Remove(name);
+            layout->erased = true;
+        }
+    }
+    db_->ForEachObject([&](const DbObject& o) {
+        auto* b = const_cast<BlockRecord*>(Database::Cast<BlockRecord>(&o));
+        if (b == nullptr || b->erased || db_->Object(b->layout) != nullptr) {
+            return;
+        }
+        b->layout = kNullHandle;
+        // Another paper space than the first, without its layout and without entities, is
+        // what is left of a deleted layout.
+        if (b->name.size() > 12 && EqualsNoCase(b->name.substr(0, 12), "*Paper_Space") &&
+            db_->Entities(b->handle).empty()) {
+            Repair("block record " + b->name + " had no layout; it was dropped");
+            b->erased = true;
+        }
+    });
+}
+
+// An object owned by nothing, or by an object that does not exist, is given to the dictionary
+// that lists it (the named object dictionary when none does).
+void Reader::RepairObjectOwners() {
+    std::unordered_map<Handle, Handle> listedBy;
+    for (Handle h : db_->Objects()) {
+        if (const auto* dict = db_->Get<Dictionary>(h)) {
+            for (const auto& entry : dict->entries) {
+                listedBy.emplace(entry.second, h);
+            }
+        } else if (const auto* other = db_->Get<UnknownObject>(h)) {
+            for (const Tag& t : other->tags) {  // a dictionary with a default, say
+                Handle entry = kNullHandle;
+                if ((t.code == 350 || t.code == 360) && ParseHandle(t.value, entry)) {
+                    listedBy.emplace(entry, h);
+                }
+            }
+        }
+    }
+    for (Handle h : db_->Objects()) {
+        DbObject* o = db_->Object(h);
+        if (o == nullptr || o->erased || h == db_->NamedObjects() ||
+            (o->owner != kNullHandle && db_->Object(o->owner) != nullptr)) {
+            continue;
+        }
+        const auto it = listedBy.find(h);
+        if (o->owner == kNullHandle && it == listedBy.end()) {
+            continue;  // unowned and unlisted: left as the file has it
+        }
+        const Handle owner = it != listedBy.end() ? it->second : db_->NamedObjects();
+        Repair(o->TypeName() + " " + FormatHandle(h) + " was owned by " +
+               (o->owner == kNullHandle ? std::string("nothing")
+                                        : FormatHandle(o->owner) + ", which does not exist") +
+               "; its owner is now " + FormatHandle(owner));
+        o->owner = owner;
+    }
 }
 
 // Block records whose BLOCK never came (or came without a name) get an empty definition.

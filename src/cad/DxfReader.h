@@ -78,6 +78,8 @@ private:
     void Objects(long line);
     void Finish();
     void CompleteBlocks();
+    void RepairLayouts();
+    void RepairObjectOwners();
 
     // entities
     void CheckType(const Record& rec, const char* section) const;
