@@ -36,6 +36,12 @@ namespace dxfread {
 
 namespace {
 
+bool IsTableName(std::string_view name) {
+    return name == "VPORT" || name == "LTYPE" || name == "LAYER" || name == "STYLE" ||
+           name == "VIEW" || name == "UCS" || name == "APPID" || name == "DIMSTYLE" ||
+           name == "BLOCK_RECORD";
+}
+
 bool IsSectionName(std::string_view name) {
     return name == "HEADER" || name == "CLASSES" || name == "TABLES" || name == "BLOCKS" ||
            name == "ENTITIES" || name == "OBJECTS" || name == "THUMBNAILIMAGE" ||
@@ -316,8 +322,13 @@ std::unique_ptr<Database> Reader::Run() {
         }
         Section(head);
     }
+    if (!sawEof_ && db_->MutableHeader().empty() && db_->Tables().empty() &&
+        db_->ObjectCount() == 0) {
+        tok_.Fail(tok_.Line(), "the file holds no DXF section");
+    }
     if (!sawEof_) {
-        tok_.Fail(tok_.Line(), "the file ends without EOF (truncated?)");
+        // Every section was closed: only the end marker is missing.
+        Repair("the file ends without EOF after its last section");
     }
     Finish();
     return std::move(db_);
@@ -433,13 +444,24 @@ void Reader::Tables(long line) {
             return;
         }
         if (rec.type != "TABLE") {
-            tok_.Fail(rec.line, "TABLE expected in section TABLES", rec.type);
+            if (!IsTableName(rec.type)) {
+                tok_.Fail(rec.line, "TABLE expected in section TABLES", rec.type);
+            }
+            // Records whose table head is missing: the head is made.
+            Repair("line " + std::to_string(rec.line) + ": a " + std::string(rec.type) +
+                   " record stood outside any table; its table head was made");
+            Record head;
+            head.type = "TABLE";
+            head.line = rec.line;
+            head.tags.push_back({2, rec.type, rec.line});
+            Table(head, &rec);
+            continue;
         }
         Table(rec);
     }
 }
 
-void Reader::Table(const Record& head) {
+void Reader::Table(const Record& head, Record* first) {
     auto table = std::make_unique<SymbolTable>();
     Record rest = head;  // the name comes before the handle: set it apart
     for (auto it = rest.tags.begin(); it != rest.tags.end(); ++it) {
@@ -463,6 +485,12 @@ void Reader::Table(const Record& head) {
     KeepAll(p.preOwner, table->extra->Get(""));
     const Handle h = db_->Add(std::move(table));
     db_->MutableTables().push_back(h);
+    if (first != nullptr) {
+        if (old_) {
+            AddRecordMarkers(*first);
+        }
+        TableRecordOf(*first, *db_->Get<SymbolTable>(h));
+    }
     Record rec;
     for (;;) {
         ExpectRecord(rec, "a table");

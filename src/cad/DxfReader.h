@@ -70,7 +70,8 @@ private:
     void Header();
     void RawSection(TagList& out, const char* name, long line);
     void Tables(long line);
-    void Table(const Record& head);
+    // `first`: a record already read that belongs to the table (its head was missing).
+    void Table(const Record& head, Record* first = nullptr);
     void TableRecordOf(const Record& rec, SymbolTable& table);
     void Blocks(long line);
     void Block(const Record& rec, long sectionLine);

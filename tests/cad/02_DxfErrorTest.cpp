@@ -42,7 +42,6 @@ TEST(DxfError, EachFaultIsNamedWithFileAndLine) {
         {"absurd integer", Replace(ok, "8\n0\n10", "62\n99999999999999\n10"), 20, "out of range"},
         {"unterminated section", Replace(ok, "0\nENDSEC\n0\nEOF\n", ""), 0,
          "ENTITIES is not terminated"},
-        {"no EOF", Replace(ok, "0\nEOF\n", ""), 0, "without EOF"},
         {"damaged binary sentinel", std::string("AutoCAD Binary DXF\r\n\x1b\0", 22), 1,
          "binary DXF with a damaged first line"},
         {"DWG", std::string("AC1024\0\0\0\0\0", 11), 1, "DWG"},

@@ -3,6 +3,7 @@
 #include <gtest/gtest.h>
 
 #include <cstring>
+#include <filesystem>
 
 #include "TestPaths.h"
 #include "cad/Database.h"
@@ -155,11 +156,13 @@ TEST(ForeignFiles, BinaryReadsAsItsAsciiTwin) {
 
 TEST(ForeignFiles, DamagedBinaryNamesTheByteOffset) {
     const std::string binary = ToBinary(kDrawing);
-    // Cut at every byte: always a typed error with an offset inside the file, never a crash.
+    // Cut at every byte: a typed error with an offset inside the file, never a crash; only a
+    // cut right after a whole section reads, with the missing end reported.
     for (std::size_t n = 22; n < binary.size(); ++n) {
         try {
-            ReadDxfString(std::string_view(binary).substr(0, n), "cut.dxf");
-            ADD_FAILURE() << "accepted when cut at " << n;
+            auto db = ReadDxfString(std::string_view(binary).substr(0, n), "cut.dxf");
+            EXPECT_TRUE(HasRepair(*db, "without EOF")) << n;
+            EXPECT_EQ(binary.substr(n - 7, 7), std::string("ENDSEC\0", 7)) << n;
         } catch (const DxfError& e) {
             EXPECT_EQ(e.File(), "cut.dxf");
             EXPECT_GE(e.Offset(), 0) << e.what();
@@ -299,6 +302,7 @@ TEST(ForeignFiles, WritersSlipsAreRepairedAndReported) {
         {"missing SECTION", Replace(kDrawing, "0\nSECTION\n2\nENTITIES", "2\nENTITIES"),
          "had no SECTION"},
         {"stray ENDSEC", Replace(kDrawing, "0\nEOF", "0\nENDSEC\n0\nEOF"), "ENDSEC outside"},
+        {"no EOF", Replace(kDrawing, "0\nEOF\n", ""), "without EOF"},
     };
     for (const auto& s : slips) {
         std::unique_ptr<Database> db;
@@ -318,6 +322,48 @@ TEST(ForeignFiles, WritersSlipsAreRepairedAndReported) {
     const std::string written = WriteDxfString(*db, DxfVersion::R2010);
     EXPECT_EQ(written.find("standard"), std::string::npos);
     EXPECT_NE(written.find("340\n11\n"), std::string::npos);
+}
+
+std::string CheckWithEzdxf(const Database& db, const std::filesystem::path& path) {
+    WriteDxfFile(db, path.string(), DxfVersion::R2010);
+    std::string output;
+    const int rc =
+        ts::RunCommand(ts::Python() + " " + (ts::SourceDir() / "tests/cad/check_dxf.py").string() +
+                           " " + path.string(),
+                       &output);
+    return rc == 0 ? std::string() : output;
+}
+
+// Damage found in real files: each is repaired, reported, and the drawing written again is
+// one ezdxf reads without repairing anything.
+TEST(ForeignFiles, DamagedStructureOfRealFilesIsRepaired) {
+    const struct {
+        const char* file;
+        const char* repair;
+    } cases[] = {
+        {"ezdxf-it-recover02.dxf", "record stood outside any table; its table head was made"},
+        {"ezdxf-it-recover01.dxf", "ends without EOF"},
+        {"ezdxf-it-layout_broken_links.dxf", "which does not exist; it was linked to *Model_Space"},
+        {"ezdxf-it-cc_dxflib.dxf", "was owned by nothing; its owner is now"},
+        {"ezdxf-it-r12_blocks_with_no_names.dxf", "a block without a name was named"},
+        {"dxfparser-tables.dxf", "had no definition in section BLOCKS"},
+        {"ezdxf-it-issue1106.dxf", ""},  // R12 records with half their markers
+    };
+    ts::TempDir dir;
+    for (const auto& c : cases) {
+        const auto path = ts::SourceDir() / "tests/data/dxf-corpus" / c.file;
+        std::unique_ptr<Database> db;
+        try {
+            db = ReadDxfFile(path.string());
+        } catch (const DxfError& e) {
+            ADD_FAILURE() << e.what();
+            continue;
+        }
+        if (*c.repair != '\0') {
+            EXPECT_TRUE(HasRepair(*db, c.repair)) << c.file << ":\n" << AllRepairs(*db);
+        }
+        EXPECT_EQ(CheckWithEzdxf(*db, dir / c.file), "") << c.file;
+    }
 }
 
 TEST(ForeignFiles, ManyObjectsWithoutHandlesAreCountedOnce) {
