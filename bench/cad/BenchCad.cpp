@@ -5,6 +5,7 @@
 // against the same lines on 10 layers.
 #include <malloc.h>
 #include <unistd.h>
+#include <algorithm>
 #include <chrono>
 #include <cstdio>
 #include <cstdlib>
@@ -125,7 +126,12 @@ bool ReadShapes() {
     for (const Shape& s : shapes) {
         const std::string text = LinesFile(s.layers, s.defined, s.handles);
         std::unique_ptr<cad::Database> db;
-        const Times t = Seconds([&] { db = cad::ReadDxfString(text, "shape.dxf"); });
+        Times t{1e9, 1e9};
+        for (int round = 0; round < 3; ++round) {  // the best of three: the machine is shared
+            db.reset();
+            const Times r = Seconds([&] { db = cad::ReadDxfString(text, "shape.dxf"); });
+            t = {std::min(t.wall, r.wall), std::min(t.cpu, r.cpu)};
+        }
         if (db->Entities().size() != kCount) {
             std::fprintf(stderr, "%s: read %zu lines\n", s.name, db->Entities().size());
             return false;
@@ -162,6 +168,9 @@ bool Baseline(const std::string& dir, Times& write, Times& read) {
 int main() {
     if (!ReadShapes()) {
         return 1;
+    }
+    if (std::getenv("QV_BENCH_SHAPES_ONLY") != nullptr) {
+        return 0;
     }
     const auto dir =
         std::filesystem::temp_directory_path() / ("bench_cad_" + std::to_string(getpid()));

@@ -197,6 +197,9 @@ Handle Database::FindRecord(std::string_view tableName, std::string_view name) c
         if (index.indexed > table->records.size()) {
             index = {};
         }
+        if (table->records.size() > index.byName.size() + 64) {
+            index.byName.reserve(table->records.size());
+        }
         for (; index.indexed < table->records.size(); ++index.indexed) {
             const Handle h = table->records[index.indexed];
             const auto* r = Get<TableRecord>(h);

@@ -79,7 +79,13 @@ Handle Reader::NamedEntry(std::unordered_map<std::string, Handle>& cache, const 
         const Handle before = db_->HandleSeed();
         h = table.add(*db_, name.empty() ? table.fallback : name);
         Generated(before);
-        Repair(std::string(table.kind) + " " + name + " was used but not defined; it was added");
+        // A file may use 100,000 names it never defines: the first few are named, the rest
+        // counted.
+        auto& added = undefinedNames_[table.kind];
+        if (++added <= kNamedRepairs) {
+            Repair(std::string(table.kind) + " " + name +
+                   " was used but not defined; it was added");
+        }
     }
     cache.emplace(name, h);
     return h;

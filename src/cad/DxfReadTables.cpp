@@ -372,6 +372,12 @@ void Reader::Finish() {
                    " objects had no handle; they were given new ones");
         }
     }
+    for (const auto& [kind, count] : undefinedNames_) {
+        if (count > kNamedRepairs) {
+            Repair(std::to_string(count - kNamedRepairs) + " more " + kind +
+                   " names were used but not defined; they were added");
+        }
+    }
     // Dictionaries every drawing is expected to hold (an empty ACAD_COLOR, say) are added
     // as well, without a word: they hold nothing of the drawing.
     db_->AddMissingDefaults();

@@ -107,7 +107,9 @@ private:
     std::string charset_;
     bool utf8_ = false;
     std::unordered_set<Handle> blockHandles_;
-    std::unordered_map<std::string, Handle> layerCache_;
+    std::unordered_map<std::string, Handle> layerCache_;  // by the spelling the file uses
+    static constexpr long kNamedRepairs = 20;
+    std::map<std::string, long> undefinedNames_;  // by kind: names used and not defined
     std::unordered_map<std::string, Handle> styleCache_;
     std::unordered_map<std::string, Handle> appCache_;
     Handle modelSpace_ = kNullHandle;
