@@ -210,6 +210,8 @@ public:
     // the spaces, the dictionaries, the layouts): a drawing of R12 or older has none of the
     // objects later versions require.
     void AddMissingDefaults();
+    // A layout for the block record `space` (a paper space), listed under ACAD_LAYOUT.
+    Handle AddLayout(const std::string& name, Handle space, int tabOrder);
 
     // Repairs made while reading a file, for the caller to report.
     std::vector<std::string>& Repairs() { return repairs_; }

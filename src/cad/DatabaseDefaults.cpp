@@ -302,17 +302,22 @@ void Database::AddMissingDefaults() {
     const Handle layouts = FindDictionary("ACAD_LAYOUT");
     for (const auto& [name, space, order] :
          {std::tuple{"Model", modelSpace_, 0}, std::tuple{"Layout1", paperSpace_, 1}}) {
-        if (Object(Block(space)->layout) != nullptr ||
-            GetDictionary(layouts)->Find(name) != kNullHandle) {
-            continue;
+        if (Object(Block(space)->layout) == nullptr &&
+            GetDictionary(layouts)->Find(name) == kNullHandle) {
+            AddLayout(name, space, order);
         }
-        auto layout = std::make_unique<UnknownObject>();
-        layout->typeName = "LAYOUT";
-        layout->tags = LayoutTags(name, order, space);
-        const Handle h = AddObject(*this, std::move(layout), layouts);
-        GetDictionary(layouts)->Set(name, h);
-        Block(space)->layout = h;
     }
+}
+
+Handle Database::AddLayout(const std::string& name, Handle space, int tabOrder) {
+    const Handle layouts = GetOrAddDictionary("ACAD_LAYOUT");
+    auto layout = std::make_unique<UnknownObject>();
+    layout->typeName = "LAYOUT";
+    layout->tags = LayoutTags(name, tabOrder, space);
+    const Handle h = AddObject(*this, std::move(layout), layouts);
+    GetDictionary(layouts)->Set(name, h);
+    Block(space)->layout = h;
+    return h;
 }
 
 Handle Database::FindDictionary(const std::string& name, Handle parent) const {

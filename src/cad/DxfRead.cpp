@@ -137,6 +137,9 @@ Handle Reader::Hex(const RawTag& t) const {
 }
 
 Tag Reader::Keep(const RawTag& t) const {
+    if (t.code == 370) {
+        return {t.code, Lineweight(t)};
+    }
     switch (TypeOfCode(t.code)) {
         case TagType::String:
             return {t.code, Text(t.value)};
@@ -163,6 +166,24 @@ void Reader::KeepAll(const std::vector<RawTag>& in, TagList& out) const {
     for (const auto& t : in) {
         out.push_back(Keep(t));
     }
+}
+
+// Lineweights are one of a fixed set (hundredths of a millimetre, or -1 by layer, -2 by block,
+// -3 default); another value is read as the next lineweight up, as other readers do.
+std::string Reader::Lineweight(const RawTag& t) const {
+    static constexpr long long kValid[] = {-3, -2, -1,  0,   5,   9,   13,  15,  18,
+                                           20, 25, 30,  35,  40,  50,  53,  60,  70,
+                                           80, 90, 100, 106, 120, 140, 158, 200, 211};
+    const long long v = Int(t);
+    if (std::find(std::begin(kValid), std::end(kValid), v) != std::end(kValid)) {
+        return std::to_string(v);
+    }
+    const long long fixed = v < -3    ? -1
+                            : v > 211 ? 211
+                                      : *std::lower_bound(std::begin(kValid), std::end(kValid), v);
+    Repair("line " + std::to_string(t.line + 1) + ": lineweight " + std::to_string(v) +
+           " does not exist; it was read as " + std::to_string(fixed));
+    return std::to_string(fixed);
 }
 
 // A writer's slip: a text style's name where its handle belongs (340 "standard"). The

@@ -372,15 +372,33 @@ void Reader::Finish() {
                    " objects had no handle; they were given new ones");
         }
     }
-    for (const auto& [kind, count] : undefinedNames_) {
-        if (count > kNamedRepairs) {
-            Repair(std::to_string(count - kNamedRepairs) + " more " + kind +
-                   " names were used but not defined; they were added");
-        }
-    }
     // Dictionaries every drawing is expected to hold (an empty ACAD_COLOR, say) are added
     // as well, without a word: they hold nothing of the drawing.
     db_->AddMissingDefaults();
+    for (Handle h : dimensions_) {
+        auto* dimension = db_->Get<UnknownEntity>(h);
+        if (dimension == nullptr) {
+            continue;
+        }
+        for (Tag& t : dimension->tags) {
+            if (t.code == 3) {  // its style, which must exist
+                if (db_->FindRecord("DIMSTYLE", t.value) == kNullHandle) {
+                    Repair("entity " + FormatHandle(h) + ": dimension style " + t.value +
+                           " is not defined; Standard is used");
+                    t.value = "Standard";
+                }
+                break;
+            }
+        }
+    }
+    for (const std::string& name : dimensionBlocks_) {
+        if (!name.empty() && db_->FindBlock(name) == kNullHandle) {
+            const Handle block = db_->DefineBlock(name);
+            db_->Block(block)->flags |= name[0] == '*' ? 1 : 0;  // anonymous, as dimensions' are
+            Repair("block " + name +
+                   " was drawn by a dimension but not defined; an empty block was added");
+        }
+    }
     for (const auto& [ref, name] : pendingBlocks_) {
         Handle block = db_->FindBlock(name);
         if (block == kNullHandle) {
@@ -389,6 +407,13 @@ void Reader::Finish() {
         }
         if (auto* r = db_->Get<BlockReference>(ref)) {
             r->block = block;
+        }
+    }
+    DefineLinetypes();
+    for (const auto& [kind, count] : undefinedNames_) {
+        if (count > kNamedRepairs) {
+            Repair(std::to_string(count - kNamedRepairs) + " more " + kind +
+                   " names were used but not defined; they were added");
         }
     }
     CompleteBlocks();
@@ -466,20 +491,33 @@ void Reader::RepairLayouts() {
             layout->erased = true;
         }
     }
+    std::vector<BlockRecord*> orphans;
     db_->ForEachObject([&](const DbObject& o) {
         auto* b = const_cast<BlockRecord*>(Database::Cast<BlockRecord>(&o));
         if (b == nullptr || b->erased || db_->Object(b->layout) != nullptr) {
             return;
         }
         b->layout = kNullHandle;
-        // Another paper space than the first, without its layout and without entities, is
-        // what is left of a deleted layout.
-        if (b->name.size() > 12 && EqualsNoCase(b->name.substr(0, 12), "*Paper_Space") &&
-            db_->Entities(b->handle).empty()) {
-            Repair("block record " + b->name + " had no layout; it was dropped");
-            b->erased = true;
+        if (b->name.size() > 12 && EqualsNoCase(b->name.substr(0, 12), "*Paper_Space")) {
+            orphans.push_back(b);
         }
     });
+    // Another paper space than the first without its layout: without entities it is what is
+    // left of a deleted layout; with entities it gets a layout of its own.
+    int order = 2;
+    for (BlockRecord* b : orphans) {
+        if (db_->Entities(b->handle).empty()) {
+            Repair("block record " + b->name + " had no layout; it was dropped");
+            b->erased = true;
+            continue;
+        }
+        std::string name = b->name.substr(1);
+        while (dict->Find(name) != kNullHandle) {
+            name += "_";
+        }
+        db_->AddLayout(name, b->handle, order++);
+        Repair("block record " + b->name + " had no layout; layout " + name + " was made for it");
+    }
 }
 
 // An object owned by nothing, or by an object that does not exist, is given to the dictionary
@@ -516,6 +554,24 @@ void Reader::RepairObjectOwners() {
                                         : FormatHandle(o->owner) + ", which does not exist") +
                "; its owner is now " + FormatHandle(owner));
         o->owner = owner;
+    }
+}
+
+// Line types entities use and the file never defines are added as solid lines.
+void Reader::DefineLinetypes() {
+    auto* table = db_->Get<SymbolTable>(db_->Table("LTYPE"));
+    for (const std::string& name : linetypes_) {
+        if (table == nullptr || name.empty() || db_->FindLinetype(name) != kNullHandle) {
+            continue;
+        }
+        auto record = std::make_unique<LinetypeRecord>();
+        record->name = name;
+        record->owner = table->handle;
+        record->pattern = {{72, "65"}, {73, "0"}, {40, "0.0"}};
+        table->records.push_back(db_->Add(std::move(record)));
+        if (++undefinedNames_["line type"] <= kNamedRepairs) {
+            Repair("line type " + name + " was used but not defined; it was added");
+        }
     }
 }
 

@@ -3,6 +3,7 @@
 
 #include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -52,6 +53,7 @@ private:
     long long Int(const RawTag& t) const;
     Handle Hex(const RawTag& t) const;  // not hexadecimal: reported, and read as none
     std::string NameInPlaceOfHandle(const RawTag& t) const;
+    std::string Lineweight(const RawTag& t) const;
     Point3d PointAt(const std::vector<RawTag>& tags, std::size_t& i) const;
     Tag Keep(const RawTag& t) const;  // validated and decoded for storage
     void KeepAll(const std::vector<RawTag>& in, TagList& out) const;
@@ -81,6 +83,9 @@ private:
     void CompleteBlocks();
     void RepairLayouts();
     void RepairObjectOwners();
+    void DefineLinetypes();
+    void NoteLinetypes(const Parsed& p);
+    void MendEllipse(UnknownEntity& e, const Record& rec);
 
     // entities
     void CheckType(const Record& rec, const char* section) const;
@@ -110,6 +115,9 @@ private:
     std::unordered_map<std::string, Handle> layerCache_;  // by the spelling the file uses
     static constexpr long kNamedRepairs = 20;
     std::map<std::string, long> undefinedNames_;  // by kind: names used and not defined
+    std::unordered_set<std::string> linetypes_;   // names entities use
+    std::set<std::string> dimensionBlocks_;       // blocks dimensions draw with
+    std::vector<Handle> dimensions_;
     std::unordered_map<std::string, Handle> styleCache_;
     std::unordered_map<std::string, Handle> appCache_;
     Handle modelSpace_ = kNullHandle;

@@ -2,6 +2,7 @@
 // writers, which are repaired and reported instead of refused.
 #include <gtest/gtest.h>
 
+#include <cmath>
 #include <cstring>
 #include <filesystem>
 
@@ -348,6 +349,12 @@ TEST(ForeignFiles, DamagedStructureOfRealFilesIsRepaired) {
         {"ezdxf-it-r12_blocks_with_no_names.dxf", "a block without a name was named"},
         {"dxfparser-tables.dxf", "had no definition in section BLOCKS"},
         {"ezdxf-it-issue1106.dxf", ""},  // R12 records with half their markers
+        {"ezdxf-ex-valid_lineweights.dxf", "lineweight 10 does not exist; it was read as 13"},
+        {"dxfparser-blocks.dxf", "line type CENTER2 was used but not defined"},
+        {"dxfparser-blocks.dxf", "had no layout; layout Paper_Space28 was made for it"},
+        {"dxfparser-ellipse.dxf", "its axes were swapped"},
+        {"ezdxf-it-duplicate_handles.dxf", "block *D1 was drawn by a dimension but not defined"},
+        {"ezdxf-it-duplicate_handles.dxf", "dimension style DIMSTYLE1 is not defined"},
     };
     ts::TempDir dir;
     for (const auto& c : cases) {
@@ -364,6 +371,40 @@ TEST(ForeignFiles, DamagedStructureOfRealFilesIsRepaired) {
         }
         EXPECT_EQ(CheckWithEzdxf(*db, dir / c.file), "") << c.file;
     }
+}
+
+// An ellipse given with its minor axis first: every point stays where it was.
+TEST(ForeignFiles, EllipseWithRatioAboveOneKeepsItsPoints) {
+    const std::string text =
+        Replace(kDrawing, "0\nENDSEC\n0\nEOF",
+                "0\nELLIPSE\n5\n40\n100\nAcDbEntity\n8\n0\n100\nAcDbEllipse\n10\n1\n20\n2\n30\n0\n"
+                "11\n3\n21\n4\n31\n0\n210\n0\n220\n0\n230\n1\n40\n2\n41\n0.5\n42\n2.5\n"
+                "0\nENDSEC\n0\nEOF");
+    auto db = ReadDxfString(text);
+    const auto* e = db->Get<UnknownEntity>(0x40);
+    ASSERT_NE(e, nullptr);
+    auto value = [&](int code) {
+        for (const auto& t : e->tags) {
+            if (t.code == code) {
+                return std::stod(t.value);
+            }
+        }
+        return std::nan("");
+    };
+    auto point = [](double mx, double my, double ratio, double t) {
+        // centre (1, 2), normal +z: minor axis = (-my, mx) * ratio
+        return std::pair{1 + mx * std::cos(t) - my * ratio * std::sin(t),
+                         2 + my * std::cos(t) + mx * ratio * std::sin(t)};
+    };
+    EXPECT_DOUBLE_EQ(value(40), 0.5);
+    for (double f : {0.0, 0.3, 1.0}) {
+        const auto before = point(3, 4, 2, 0.5 + f * 2.0);
+        const double span = std::fmod(value(42) - value(41) + 4 * M_PI, 2 * M_PI);  // 0 to 2 pi
+        const auto after = point(value(11), value(21), value(40), value(41) + f * span);
+        EXPECT_NEAR(before.first, after.first, 1e-9) << f;
+        EXPECT_NEAR(before.second, after.second, 1e-9) << f;
+    }
+    EXPECT_TRUE(HasRepair(*db, "axes were swapped"));
 }
 
 TEST(ForeignFiles, ManyObjectsWithoutHandlesAreCountedOnce) {

@@ -51,6 +51,8 @@ def raw_tags(path):
               b"ANSI_950": "big5"}.get(codepage)
     if legacy is None and codepage.startswith(b"ANSI_125"):
         legacy = "cp" + codepage[5:].decode()
+    if not codepage:
+        legacy = "cp1252"  # what readers assume of a file that names no code page
     enc = "utf-8" if version >= b"AC1021" else legacy or "gbk"
     tags = []
     for i in range(0, len(lines) - 1, 2):
