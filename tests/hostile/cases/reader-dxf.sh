@@ -46,8 +46,16 @@ if [ $rc -eq 0 ] && grep -q 'not-hex", which is not a handle' "$S/out"; then
     ok "reader: text in a handle group repaired and reported"
 else fail "reader: text in a handle group repaired and reported" "exit $rc: $(head -c 300 "$S/err")"; fi
 
+# Real files of other writers cut short at a third and two thirds, ASCII and binary.
+mkdir -p "$S/cuts"
+for f in ezdxf-it-ASCII_R12.dxf ezdxf-it-bin_dxf_r12.dxf ezdxf-it-bin_dxf_r14.dxf dxfparser-mleader.dxf; do
+    size=$(stat -c %s "$CORPUS/$f")
+    head -c $((size / 3)) "$CORPUS/$f" >"$S/cuts/third-$f"
+    head -c $((size * 2 / 3)) "$CORPUS/$f" >"$S/cuts/two-thirds-$f"
+done
+
 # Hostile drawings through info, convert and render: exit 0 or 3, within the time limit.
-for f in "$QV_SRC"/fuzz/corpus/* "$S/cut.dxf"; do
+for f in "$QV_SRC"/fuzz/corpus/* "$S/cut.dxf" "$S"/cuts/*; do
     name="reader: hostile $(basename "$f")"
     bad=""
     for cmd in info convert render; do
