@@ -39,6 +39,14 @@ def ezdxf_opens(path):
     return False
 
 
+def refused_by_ezdxf(path):
+    try:
+        ezdxf.readfile(path)
+        return False
+    except Exception:  # the strict reader's refusal is the point
+        return True
+
+
 def main():
     qvplc, corpus, scratch = sys.argv[1:4]
     os.makedirs(scratch, exist_ok=True)
@@ -68,7 +76,12 @@ def main():
                                                                     err.strip()))
                 continue
             rc, out, err = run([sys.executable, os.path.join(HERE, "check_dxf.py"), target])
-            if rc != 0:
+            if rc != 0 and out.startswith("ezdxf refuses the file") and refused_by_ezdxf(path):
+                # ezdxf's strict reader refuses the original, and its own copy, alike (a
+                # \U+ escape in a SEQEND's layer, say): a limit of the checker, shown.
+                print("    %s: ezdxf.readfile refuses the original too: %s" % (version,
+                                                                          out.strip()))
+            elif rc != 0:
                 failures.append("%s as %s: %s" % (name, version, (out + err).strip()))
         picture = os.path.join(scratch, stem + ".png")
         rc, out, err = run([qvplc, "dxf", "render", path, picture, "--width", "400"])
