@@ -57,21 +57,20 @@ bool Tokenizer::NextBinary(RawTag& tag) {
         return false;
     }
     const long codeAt = static_cast<long>(pos_);
-    auto need = [&](std::size_t n, const char* what) {
+    auto need = [&](std::size_t n, const char* problem) {
         if (size - pos_ < n) {
-            Fail(static_cast<long>(pos_),
-                 std::string("the file ends inside ") + what + " (truncated?)");
+            Fail(static_cast<long>(pos_), problem);
         }
     };
     int code = 0;
     if (twoByteCodes_) {
-        need(2, "a group code");
+        need(2, "the file ends inside a group code (truncated?)");
         code = LittleEndian<std::uint16_t>(data_.data() + pos_);
         pos_ += 2;
     } else {
         code = static_cast<unsigned char>(data_[pos_++]);
         if (code == 255) {
-            need(2, "a group code");
+            need(2, "the file ends inside a group code (truncated?)");
             code = LittleEndian<std::uint16_t>(data_.data() + pos_);
             pos_ += 2;
         }
@@ -94,9 +93,9 @@ bool Tokenizer::NextBinary(RawTag& tag) {
         value = std::string_view(out, static_cast<std::size_t>(end - out));
     };
     if (IsChunk(code)) {
-        need(1, "the length of a binary chunk");
+        need(1, "the file ends before the length of a binary chunk (truncated?)");
         const std::size_t n = static_cast<unsigned char>(data_[pos_++]);
-        need(n, "a binary chunk");
+        need(n, "the file ends inside a binary chunk (truncated?)");
         static constexpr char kHex[] = "0123456789ABCDEF";
         char* out = Scratch(2 * n);
         for (std::size_t i = 0; i < n; ++i) {
@@ -121,27 +120,27 @@ bool Tokenizer::NextBinary(RawTag& tag) {
                 break;
             }
             case TagType::Real:
-                need(8, "a number");
+                need(8, "the file ends inside a number (truncated?)");
                 number(LittleEndian<double>(data_.data() + pos_));
                 pos_ += 8;
                 break;
             case TagType::Int16:
-                need(2, "a number");
+                need(2, "the file ends inside a number (truncated?)");
                 number(LittleEndian<std::int16_t>(data_.data() + pos_));
                 pos_ += 2;
                 break;
             case TagType::Int32:
-                need(4, "a number");
+                need(4, "the file ends inside a number (truncated?)");
                 number(LittleEndian<std::int32_t>(data_.data() + pos_));
                 pos_ += 4;
                 break;
             case TagType::Int64:
-                need(8, "a number");
+                need(8, "the file ends inside a number (truncated?)");
                 number(LittleEndian<std::int64_t>(data_.data() + pos_));
                 pos_ += 8;
                 break;
             case TagType::Bool:
-                need(1, "a number");
+                need(1, "the file ends inside a number (truncated?)");
                 number(static_cast<int>(static_cast<unsigned char>(data_[pos_])));
                 pos_ += 1;
                 break;

@@ -549,10 +549,14 @@ void Reader::RepairObjectOwners() {
             continue;  // unowned and unlisted: left as the file has it
         }
         const Handle owner = it != listedBy.end() ? it->second : db_->NamedObjects();
-        Repair(o->TypeName() + " " + FormatHandle(h) + " was owned by " +
-               (o->owner == kNullHandle ? std::string("nothing")
-                                        : FormatHandle(o->owner) + ", which does not exist") +
-               "; its owner is now " + FormatHandle(owner));
+        if (o->owner == kNullHandle) {
+            Repair(o->TypeName() + " " + FormatHandle(h) +
+                   " was owned by nothing; its owner is now " + FormatHandle(owner));
+        } else {
+            Repair(o->TypeName() + " " + FormatHandle(h) + " was owned by " +
+                   FormatHandle(o->owner) + ", which does not exist; its owner is now " +
+                   FormatHandle(owner));
+        }
         o->owner = owner;
     }
 }
