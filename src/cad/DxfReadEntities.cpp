@@ -47,6 +47,10 @@ bool In(const std::string& marker, const char* a, const char* b = nullptr) {
 
 void Reader::EntitiesSection(long line) {
     MakeSpaces();
+    // Every layer may be named: the cache is sized once rather than grown step by step.
+    if (const auto* layers = db_->Get<SymbolTable>(db_->Table("LAYER"))) {
+        layerCache_.reserve(layers->records.size());
+    }
     Record rec;
     for (;;) {
         if (!ReadRecord(rec)) {

@@ -61,7 +61,10 @@ bool TakeRecordField(TableRecord& r, const RawTag& t,
 }  // namespace
 
 void Reader::TableRecordOf(const Record& rec, SymbolTable& table) {
-    Parsed p = Parse(rec, false);
+    // Only a record kept as it was read needs its tags listed in file order.
+    const bool modelled = rec.type == "LAYER" || rec.type == "STYLE" || rec.type == "LTYPE" ||
+                          rec.type == "APPID" || rec.type == "BLOCK_RECORD";
+    Parsed p = Parse(rec, false, !modelled);
     std::unique_ptr<TableRecord> record;
     const std::string type(rec.type);
     if (type != table.name) {
