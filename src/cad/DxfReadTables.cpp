@@ -474,9 +474,10 @@ void Reader::RepairLayouts() {
             continue;
         }
         record = kNullHandle;
+        const Handle layoutHandle = h;  // a structured binding cannot be captured everywhere
         db_->ForEachObject([&](const DbObject& o) {
             const auto* b = Database::Cast<BlockRecord>(&o);
-            if (b != nullptr && !b->erased && b->layout == h) {
+            if (b != nullptr && !b->erased && b->layout == layoutHandle) {
                 record = b->handle;
             }
         });
