@@ -142,6 +142,10 @@ void PrintInfo(const cad::Database& db, const std::string& path) {
     for (const auto& [name, count] : apps) {
         std::printf("  %s on %d %s\n", name.c_str(), count, count == 1 ? "entity" : "entities");
     }
+    std::printf("repairs made while reading: %zu\n", db.Repairs().size());
+    for (const auto& repair : db.Repairs()) {
+        std::printf("  %s\n", repair.c_str());
+    }
 }
 
 int RunInfo(const Arguments& args) {

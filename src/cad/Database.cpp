@@ -179,35 +179,53 @@ Handle Database::Table(std::string_view tableName) const {
 }
 
 Handle Database::FindRecord(std::string_view tableName, std::string_view name) const {
-    // Names are looked up for every extended-data item and entity appended: a remembered
-    // answer is used while it still holds (records can be renamed or erased meanwhile).
-    // The key is built in a kept buffer: most look-ups find their answer and allocate nothing.
-    std::string& key = lookupKey_;
-    key.resize(tableName.size() + 1 + name.size());
-    char* p = std::copy(tableName.begin(), tableName.end(), key.data());
-    *p++ = '\0';
-    for (char c : name) {
-        *p++ = static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
+    // Names are looked up for every entity read and every extended-data item appended, and a
+    // table may hold 100,000 layers: each table keeps an index by upper-cased name, brought
+    // up to date with the records appended since the last look-up, so that neither a hit nor
+    // a miss walks the table.
+    const Handle tableHandle = Table(tableName);
+    const auto* table = Get<SymbolTable>(tableHandle);
+    if (table == nullptr) {
+        return kNullHandle;
     }
-    if (auto it = recordIndex_.find(key); it != recordIndex_.end()) {
+    std::string& key = lookupKey_;
+    key.resize(name.size());
+    std::transform(name.begin(), name.end(), key.begin(),
+                   [](char c) { return static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c); });
+    RecordIndex& index = recordIndex_[tableHandle];
+    for (int pass = 0; pass < 2; ++pass) {
+        if (index.indexed > table->records.size()) {
+            index = {};
+        }
+        if (table->records.size() > index.byName.size() + 64) {
+            index.byName.reserve(table->records.size());
+        }
+        for (; index.indexed < table->records.size(); ++index.indexed) {
+            const Handle h = table->records[index.indexed];
+            const auto* r = Get<TableRecord>(h);
+            if (r != nullptr && !r->erased) {
+                std::string upper = r->name;
+                for (char& c : upper) {
+                    c = static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
+                }
+                index.byName.emplace(std::move(upper), h);  // the first of a name wins
+            }
+        }
+        const auto it = index.byName.find(key);
+        if (it == index.byName.end()) {
+            return kNullHandle;
+        }
         const auto* r = Get<TableRecord>(it->second);
         if (r != nullptr && !r->erased && EqualsNoCase(r->name, name)) {
             return it->second;
         }
-        recordIndex_.erase(it);
-    }
-    const auto* table = Get<SymbolTable>(Table(tableName));
-    if (table == nullptr) {
-        return kNullHandle;
-    }
-    for (Handle h : table->records) {
-        const auto* r = Get<TableRecord>(h);
-        if (r != nullptr && !r->erased && EqualsNoCase(r->name, name)) {
-            recordIndex_.emplace(key, h);
-            return h;
-        }
+        index = {};  // a record was erased or renamed since: index the table again
     }
     return kNullHandle;
+}
+
+void Database::ReindexRecords() {
+    recordIndex_.clear();
 }
 
 namespace {

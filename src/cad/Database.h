@@ -121,6 +121,10 @@ public:
     // ---- tables
     Handle Table(std::string_view tableName) const;  // the table head, e.g. "LAYER"
     Handle FindRecord(std::string_view tableName, std::string_view name) const;  // any case
+    // Records are found by the name they had when a look-up first indexed them; code that
+    // renames a record in place calls this before the next look-up. (Erased records, and
+    // records appended to a table's list, are noticed without it.)
+    void ReindexRecords();
 
     Handle FindLayer(std::string_view name) const { return FindTyped<LayerRecord>("LAYER", name); }
     Handle AddLayer(const std::string& name, int color = 7);  // the existing one if present
@@ -212,6 +216,12 @@ public:
     void SetSpaces(Handle modelSpace, Handle paperSpace);
     void SetNamedObjects(Handle h) { namedObjects_ = h; }
     void SetCurrentsFromHeader();  // $CLAYER, $TEXTSTYLE after reading
+    // Adds what a new drawing holds and a read one lacks (tables and their required records,
+    // the spaces, the dictionaries, the layouts): a drawing of R12 or older has none of the
+    // objects later versions require.
+    void AddMissingDefaults();
+    // A layout for the block record `space` (a paper space), listed under ACAD_LAYOUT.
+    Handle AddLayout(const std::string& name, Handle space, int tabOrder);
 
     // Repairs made while reading a file, for the caller to report.
     std::vector<std::string>& Repairs() { return repairs_; }
@@ -242,7 +252,11 @@ private:
     TagList classes_;
     TagList thumbnail_;
     std::vector<std::string> repairs_;
-    mutable std::unordered_map<std::string, Handle> recordIndex_;  // table + name -> record
+    struct RecordIndex {
+        std::size_t indexed = 0;  // records of the table's list already in `byName`
+        std::unordered_map<std::string, Handle> byName;  // upper-cased name -> record
+    };
+    mutable std::unordered_map<Handle, RecordIndex> recordIndex_;  // by table head
     mutable std::string lookupKey_;
 };
 

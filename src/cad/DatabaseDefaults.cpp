@@ -262,6 +262,65 @@ void Database::CreateDefaults() {
 
 // ---- dictionaries and xrecords
 
+void Database::AddMissingDefaults() {
+    for (const char* name :
+         {"VPORT", "LTYPE", "LAYER", "STYLE", "VIEW", "UCS", "APPID", "DIMSTYLE", "BLOCK_RECORD"}) {
+        if (Table(name) == kNullHandle) {
+            NewTable(*this, name);
+        }
+    }
+    if (FindRecord("VPORT", "*Active") == kNullHandle) {
+        AddOther(*this, Table("VPORT"), "VPORT", "*Active", VportTags());
+    }
+    for (const char* name : {"ByBlock", "ByLayer", "Continuous"}) {
+        if (FindRecord("LTYPE", name) == kNullHandle) {
+            AddLinetype(*this, Table("LTYPE"), name);
+        }
+    }
+    AddLayer("0", 7);
+    AddTextStyle("Standard", "txt", "");
+    RegisterApp("ACAD");
+    if (FindRecord("DIMSTYLE", "Standard") == kNullHandle) {
+        AddOther(*this, Table("DIMSTYLE"), "DIMSTYLE", "Standard", DimstyleTags());
+    }
+    modelSpace_ = DefineBlock("*Model_Space");
+    paperSpace_ = DefineBlock("*Paper_Space");
+    if (Get<Dictionary>(namedObjects_) == nullptr) {
+        namedObjects_ = AddObject(*this, std::make_unique<Dictionary>(), kNullHandle);
+        objectOrder_.pop_back();
+        objectOrder_.insert(objectOrder_.begin(), namedObjects_);
+    }
+    for (const char* name : {"ACAD_COLOR", "ACAD_GROUP", "ACAD_LAYOUT", "ACAD_MATERIAL",
+                             "ACAD_MLEADERSTYLE", "ACAD_MLINESTYLE", "ACAD_PLOTSETTINGS"}) {
+        GetOrAddDictionary(name);
+    }
+    if (GetDictionary(namedObjects_)->Find("ACAD_PLOTSTYLENAME") == kNullHandle) {
+        AddPlotStyles(*this);
+    }
+    for (const char* name : {"ACAD_SCALELIST", "ACAD_TABLESTYLE", "ACAD_VISUALSTYLE"}) {
+        GetOrAddDictionary(name);
+    }
+    const Handle layouts = FindDictionary("ACAD_LAYOUT");
+    for (const auto& [name, space, order] :
+         {std::tuple{"Model", modelSpace_, 0}, std::tuple{"Layout1", paperSpace_, 1}}) {
+        if (Object(Block(space)->layout) == nullptr &&
+            GetDictionary(layouts)->Find(name) == kNullHandle) {
+            AddLayout(name, space, order);
+        }
+    }
+}
+
+Handle Database::AddLayout(const std::string& name, Handle space, int tabOrder) {
+    const Handle layouts = GetOrAddDictionary("ACAD_LAYOUT");
+    auto layout = std::make_unique<UnknownObject>();
+    layout->typeName = "LAYOUT";
+    layout->tags = LayoutTags(name, tabOrder, space);
+    const Handle h = AddObject(*this, std::move(layout), layouts);
+    GetDictionary(layouts)->Set(name, h);
+    Block(space)->layout = h;
+    return h;
+}
+
 Handle Database::FindDictionary(const std::string& name, Handle parent) const {
     const auto* dict = Get<Dictionary>(parent == kNullHandle ? namedObjects_ : parent);
     if (dict == nullptr) {

@@ -41,18 +41,24 @@ DxfVersion VersionForSaveFormat(std::string_view defaultFormatForSave);
 // a sentence naming both, for the user; "" for a new drawing or an unchanged version.
 std::string VersionChange(const Database& db, DxfVersion written);
 
-// What is wrong with a file, and where: line is 1-based (0 when it does not apply).
+// What is wrong with a file, and where: line is 1-based (0 when it does not apply). Errors
+// in a binary file name a byte offset instead: Line() is 0, Offset() the offset (otherwise
+// -1), and the problem text begins with it ("at byte offset 1234: ...").
 class DxfError : public std::runtime_error {
 public:
     DxfError(std::string file, long line, std::string problem, std::string text = {});
+    static DxfError AtOffset(std::string file, long offset, const std::string& problem,
+                             std::string text = {});
     const std::string& File() const { return file_; }
     long Line() const { return line_; }
+    long Offset() const { return offset_; }
     const std::string& Problem() const { return problem_; }
     const std::string& Text() const { return text_; }
 
 private:
     std::string file_;
     long line_;
+    long offset_ = -1;
     std::string problem_;
     std::string text_;
 };

@@ -7,6 +7,7 @@
 #include <algorithm>
 #include <cmath>
 #include <cstring>
+#include <iterator>
 
 #include "cad/DxfReader.h"
 #include "cad/Encoding.h"
@@ -24,7 +25,31 @@ DxfError::DxfError(std::string file, long line, std::string problem, std::string
       problem_(std::move(problem)),
       text_(std::move(text)) {}
 
+DxfError DxfError::AtOffset(std::string file, long offset, const std::string& problem,
+                            std::string text) {
+    DxfError e(std::move(file), 0, "at byte offset " + std::to_string(offset) + ": " + problem,
+               std::move(text));
+    e.offset_ = offset;
+    return e;
+}
+
 namespace dxfread {
+
+namespace {
+
+bool IsTableName(std::string_view name) {
+    return name == "VPORT" || name == "LTYPE" || name == "LAYER" || name == "STYLE" ||
+           name == "VIEW" || name == "UCS" || name == "APPID" || name == "DIMSTYLE" ||
+           name == "BLOCK_RECORD";
+}
+
+bool IsSectionName(std::string_view name) {
+    return name == "HEADER" || name == "CLASSES" || name == "TABLES" || name == "BLOCKS" ||
+           name == "ENTITIES" || name == "OBJECTS" || name == "THUMBNAILIMAGE" ||
+           name == "ACDSDATA";
+}
+
+}  // namespace
 
 Reader::Reader(std::string_view data, std::string fileName)
     : tok_(data, std::move(fileName)), db_(std::make_unique<Database>(Database::BareTag{})) {
@@ -100,13 +125,22 @@ long long Reader::Int(const RawTag& t) const {
 Handle Reader::Hex(const RawTag& t) const {
     Handle h = kNullHandle;
     if (!ParseHandle(t.value, h)) {
-        tok_.Fail(t.line + 1, "value of group code " + std::to_string(t.code) + " is not a handle",
-                  t.value);
+        // Some writers put a name or a running text where a handle belongs: read as none.
+        if (t.code == 5 || t.code == 105) {
+            ++badHandles_;
+        }
+        Repair("line " + std::to_string(t.line + 1) + ": group code " + std::to_string(t.code) +
+               " held \"" + std::string(Trim(t.value)) +
+               "\", which is not a handle; it was read as none");
+        return kNullHandle;
     }
     return h;
 }
 
 Tag Reader::Keep(const RawTag& t) const {
+    if (t.code == 370) {
+        return {t.code, Lineweight(t)};
+    }
     switch (TypeOfCode(t.code)) {
         case TagType::String:
             return {t.code, Text(t.value)};
@@ -120,8 +154,8 @@ Tag Reader::Keep(const RawTag& t) const {
             Int(t);
             break;
         case TagType::Handle:
-            if (!Trim(t.value).empty()) {
-                Hex(t);
+            if (Handle h = kNullHandle; !Trim(t.value).empty() && !ParseHandle(t.value, h)) {
+                return {t.code, NameInPlaceOfHandle(t)};
             }
             break;
     }
@@ -133,6 +167,41 @@ void Reader::KeepAll(const std::vector<RawTag>& in, TagList& out) const {
     for (const auto& t : in) {
         out.push_back(Keep(t));
     }
+}
+
+// Lineweights are one of a fixed set (hundredths of a millimetre, or -1 by layer, -2 by block,
+// -3 default); another value is read as the next lineweight up, as other readers do.
+std::string Reader::Lineweight(const RawTag& t) const {
+    static constexpr long long kValid[] = {-3, -2, -1,  0,   5,   9,   13,  15,  18,
+                                           20, 25, 30,  35,  40,  50,  53,  60,  70,
+                                           80, 90, 100, 106, 120, 140, 158, 200, 211};
+    const long long v = Int(t);
+    if (std::find(std::begin(kValid), std::end(kValid), v) != std::end(kValid)) {
+        return std::to_string(v);
+    }
+    const long long fixed = v < -3    ? -1
+                            : v > 211 ? 211
+                                      : *std::lower_bound(std::begin(kValid), std::end(kValid), v);
+    Repair("line " + std::to_string(t.line + 1) + ": lineweight " + std::to_string(v) +
+           " does not exist; it was read as " + std::to_string(fixed));
+    return std::to_string(fixed);
+}
+
+// A writer's slip: a text style's name where its handle belongs (340 "standard"). The
+// style's handle is put in its place; any other text becomes the null handle.
+std::string Reader::NameInPlaceOfHandle(const RawTag& t) const {
+    const std::string name(Trim(t.value));
+    const Handle style = db_->FindTextStyle(Text(name));
+    const std::string line = std::to_string(t.line + 1);
+    if (style != kNullHandle) {
+        Repair("line " + line + ": group code " + std::to_string(t.code) + " held the name \"" +
+               name + "\" instead of a handle; the handle of text style " + name +
+               " was put in its place");
+        return FormatHandle(style);
+    }
+    Repair("line " + line + ": group code " + std::to_string(t.code) + " held \"" + name +
+           "\", which is not a handle; it was read as none");
+    return "0";
 }
 
 Point3d Reader::PointAt(const std::vector<RawTag>& tags, std::size_t& i) const {
@@ -149,23 +218,40 @@ Point3d Reader::PointAt(const std::vector<RawTag>& tags, std::size_t& i) const {
 }
 
 void Reader::Generated(Handle before) {
-    if (db_->HandleSeed() > before) {
-        generated_.emplace_back(before, db_->HandleSeed());
+    const Handle after = db_->HandleSeed();
+    if (after <= before) {
+        return;
     }
+    // Handles are mostly made one after another: extend the range that ends where this
+    // one begins, so that checking a claim stays a look-up however many were made.
+    auto next = generated_.lower_bound(before);
+    if (next != generated_.begin()) {
+        auto previous = std::prev(next);
+        if (previous->second == before) {
+            previous->second = after;
+            return;
+        }
+    }
+    generated_.emplace(before, after);
 }
 
 Handle Reader::Claim(Handle h, const Record& rec) {
-    for (const auto& [from, to] : generated_) {
-        if (h >= from && h < to) {
+    if (auto it = generated_.upper_bound(h); h != kNullHandle && it != generated_.begin()) {
+        if (h < std::prev(it)->second) {
             throw HandleCollision{};
         }
     }
-    if (h == kNullHandle || db_->Object(h) != nullptr || blockHandles_.count(h) != 0) {
+    if (h == kNullHandle) {
+        const Handle fresh = db_->NewHandle();
+        Generated(fresh);
+        ++unhandled_;  // reported once, in Finish
+        return fresh;
+    }
+    if (db_->Object(h) != nullptr || blockHandles_.count(h) != 0) {
         const Handle fresh = db_->NewHandle();
         Generated(fresh);
         Repair("line " + std::to_string(rec.line) + ": " + std::string(rec.type) +
-               (h == kNullHandle ? " had no handle" : " repeated handle " + FormatHandle(h)) +
-               "; given " + FormatHandle(fresh));
+               " repeated handle " + FormatHandle(h) + "; given " + FormatHandle(fresh));
         return fresh;
     }
     db_->ReserveHandle(h);
@@ -178,7 +264,9 @@ Parsed Reader::Parse(const Record& rec, bool splitXData, bool body) const {
     const auto& tags = rec.tags;
     for (; i < tags.size(); ++i) {
         const RawTag& t = tags[i];
-        if ((t.code == 5 || t.code == 105) && p.handle == kNullHandle) {
+        // In a DIMSTYLE, 5 is the name of an arrow block (R12): its handle is 105.
+        const bool handle = t.code == 105 || (t.code == 5 && rec.type != "DIMSTYLE");
+        if (handle && p.handle == kNullHandle) {
             p.handle = Hex(t);
         } else if (t.code == 102 && Trim(t.value).size() > 1) {
             while (i < tags.size()) {  // a 102 group up to its closing brace
@@ -236,32 +324,62 @@ Parsed Reader::Parse(const Record& rec, bool splitXData, bool body) const {
 std::unique_ptr<Database> Reader::Run() {
     RawTag t;
     while (tok_.Next(t)) {
-        if (t.code != 0) {
-            tok_.Fail(t.line, "group code 0 expected, found " + std::to_string(t.code), t.value);
+        Record head;
+        head.line = t.line;
+        if (t.code == 2 && IsSectionName(Trim(t.value))) {
+            Repair("line " + std::to_string(t.line) + ": section " + std::string(Trim(t.value)) +
+                   " had no SECTION before its name; it was read as a section");
+            head.tags.push_back(t);
+            Section(head);
+            continue;
         }
-        const std::string_view type = Trim(t.value);
-        if (type == "EOF") {
-            sawEof_ = true;
-            break;
-        }
-        if (type != "SECTION") {
-            tok_.Fail(t.line, "SECTION expected", t.value);
+        if (t.code != 0 || Trim(t.value) != "SECTION") {
+            if (t.code == 0 && Trim(t.value) == "EOF") {
+                sawEof_ = true;
+                break;
+            }
+            OutsideSections(t);
+            continue;
         }
         // The section's name only: a HEADER's variables follow without a group code 0.
-        Record head;
-        head.type = type;
-        head.line = t.line;
         RawTag name;
         if (tok_.Next(name)) {
             head.tags.push_back(name);
         }
         Section(head);
     }
+    if (!sawEof_ && db_->MutableHeader().empty() && db_->Tables().empty() &&
+        db_->ObjectCount() == 0) {
+        tok_.Fail(tok_.Line(), "the file holds no DXF section");
+    }
     if (!sawEof_) {
-        tok_.Fail(tok_.Line(), "the file ends without EOF (truncated?)");
+        // Every section was closed: only the end marker is missing.
+        Repair("the file ends without EOF after its last section");
     }
     Finish();
     return std::move(db_);
+}
+
+// Tags between sections (a stray ENDSEC, objects whose SECTION is missing) are dropped up to
+// the next SECTION or EOF, and said so.
+void Reader::OutsideSections(const RawTag& first) {
+    long dropped = 1;
+    RawTag t;
+    while (tok_.Peek(t)) {
+        const std::string_view v = Trim(t.value);
+        if ((t.code == 0 && (v == "SECTION" || v == "EOF")) || (t.code == 2 && IsSectionName(v))) {
+            break;
+        }
+        tok_.Next(t);
+        ++dropped;
+    }
+    if (dropped == 1 && first.code == 0 && Trim(first.value) == "ENDSEC") {
+        Repair("line " + std::to_string(first.line) +
+               ": an ENDSEC outside any section was dropped");
+        return;
+    }
+    Repair("line " + std::to_string(first.line) + ": " + std::to_string(dropped) +
+           " groups outside any section were dropped");
 }
 
 void Reader::Section(const Record& head) {
@@ -328,16 +446,14 @@ void Reader::Header() {
         if (t.code == 9) {
             header.push_back({std::string(Trim(t.value)), {}});
         } else if (header.empty()) {
-            tok_.Fail(t.line, "a header value before any variable name", t.value);
+            Repair("line " + std::to_string(t.line) +
+                   ": a header value before any variable name was dropped");
         } else {
             header.back().values.push_back(Keep(t));
         }
     }
     const std::string version = db_->HeaderString("$ACADVER");
-    if (!version.empty() && version < "AC1012") {
-        tok_.Fail(tok_.Line(),
-                  "DXF version " + version + " is too old: R13 (AC1012) or later is needed");
-    }
+    old_ = version.empty() || version < "AC1012";
     utf8_ = version >= "AC1021";
     charset_ = utf8_ ? "UTF-8" : CodepageCharset(db_->HeaderString("$DWGCODEPAGE"));
     Handle seed = kNullHandle;
@@ -354,13 +470,24 @@ void Reader::Tables(long line) {
             return;
         }
         if (rec.type != "TABLE") {
-            tok_.Fail(rec.line, "TABLE expected in section TABLES", rec.type);
+            if (!IsTableName(rec.type)) {
+                tok_.Fail(rec.line, "TABLE expected in section TABLES", rec.type);
+            }
+            // Records whose table head is missing: the head is made.
+            Repair("line " + std::to_string(rec.line) + ": a " + std::string(rec.type) +
+                   " record stood outside any table; its table head was made");
+            Record head;
+            head.type = "TABLE";
+            head.line = rec.line;
+            head.tags.push_back({2, rec.type, rec.line});
+            Table(head, &rec);
+            continue;
         }
         Table(rec);
     }
 }
 
-void Reader::Table(const Record& head) {
+void Reader::Table(const Record& head, Record* first) {
     auto table = std::make_unique<SymbolTable>();
     Record rest = head;  // the name comes before the handle: set it apart
     for (auto it = rest.tags.begin(); it != rest.tags.end(); ++it) {
@@ -384,6 +511,12 @@ void Reader::Table(const Record& head) {
     KeepAll(p.preOwner, table->extra->Get(""));
     const Handle h = db_->Add(std::move(table));
     db_->MutableTables().push_back(h);
+    if (first != nullptr) {
+        if (old_) {
+            AddRecordMarkers(*first);
+        }
+        TableRecordOf(*first, *db_->Get<SymbolTable>(h));
+    }
     Record rec;
     for (;;) {
         ExpectRecord(rec, "a table");
@@ -394,6 +527,9 @@ void Reader::Table(const Record& head) {
             tok_.Fail(rec.line,
                       "table " + db_->Get<SymbolTable>(h)->name + " is not terminated by ENDTAB",
                       rec.type);
+        }
+        if (old_) {
+            AddRecordMarkers(rec);
         }
         TableRecordOf(rec, *db_->Get<SymbolTable>(h));
     }

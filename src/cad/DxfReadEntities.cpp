@@ -47,6 +47,11 @@ bool In(const std::string& marker, const char* a, const char* b = nullptr) {
 }  // namespace
 
 void Reader::EntitiesSection(long line) {
+    MakeSpaces();
+    // Every layer may be named: the cache is sized once rather than grown step by step.
+    if (const auto* layers = db_->Get<SymbolTable>(db_->Table("LAYER"))) {
+        layerCache_.reserve(layers->records.size());
+    }
     Record rec;
     for (;;) {
         if (!ReadRecord(rec)) {
@@ -58,6 +63,9 @@ void Reader::EntitiesSection(long line) {
         }
         if (rec.type == "EOF" || rec.type == "SECTION") {
             tok_.Fail(rec.line, "section ENTITIES is not terminated by ENDSEC", rec.type);
+        }
+        if (old_) {
+            AddEntityMarkers(rec);
         }
         EntityRecord(rec, kNullHandle);
     }
@@ -76,7 +84,13 @@ Handle Reader::NamedEntry(std::unordered_map<std::string, Handle>& cache, const 
         const Handle before = db_->HandleSeed();
         h = table.add(*db_, name.empty() ? table.fallback : name);
         Generated(before);
-        Repair(std::string(table.kind) + " " + name + " was used but not defined; it was added");
+        // A file may use 100,000 names it never defines: the first few are named, the rest
+        // counted.
+        auto& added = undefinedNames_[table.kind];
+        if (++added <= kNamedRepairs) {
+            Repair(std::string(table.kind) + " " + name +
+                   " was used but not defined; it was added");
+        }
     }
     cache.emplace(name, h);
     return h;
@@ -134,6 +148,18 @@ void Reader::EntityRecord(const Record& rec, Handle space) {
     if (!p.xdata.empty()) {
         ReadXData(*e, p.xdata);
     }
+    if (auto* u = Database::Cast<UnknownEntity>(e.get());
+        u != nullptr && u->typeName == "ELLIPSE") {
+        MendEllipse(*u, rec);
+    } else if (u != nullptr && u->typeName == "DIMENSION") {
+        dimensions_.push_back(u->handle);
+        for (const Tag& t : u->tags) {
+            if (t.code == 2) {
+                dimensionBlocks_.insert(t.value);  // its picture; checked in Finish
+                break;
+            }
+        }
+    }
     if (space == kNullHandle) {
         bool paper = false;
         for (const auto& s : p.segments) {
@@ -155,6 +181,62 @@ void Reader::EntityRecord(const Record& rec, Handle space) {
         }
     }
     Place(std::move(e), space, rec);
+}
+
+// An ellipse whose axis ratio is above 1 has its axes swapped: the minor axis becomes the
+// major one, the ratio its inverse, and the parameters move by a quarter turn, so that every
+// point stays where it was. Readers refuse or mend such an ellipse otherwise.
+void Reader::MendEllipse(UnknownEntity& e, const Record& rec) {
+    Tag* axis[3] = {};
+    Tag* ratio = nullptr;
+    Tag* params[2] = {};
+    double normal[3] = {0, 0, 1};
+    for (Tag& t : e.tags) {
+        if (t.code == 11 || t.code == 21 || t.code == 31) {
+            axis[(t.code - 11) / 10] = &t;
+        } else if (t.code == 40) {
+            ratio = &t;
+        } else if (t.code == 41 || t.code == 42) {
+            params[t.code - 41] = &t;
+        } else if (t.code == 210 || t.code == 220 || t.code == 230) {
+            ParseReal(t.value, normal[(t.code - 210) / 10]);
+        }
+    }
+    double r = 0;
+    double m[3] = {0, 0, 0};
+    if (ratio == nullptr || axis[0] == nullptr || axis[1] == nullptr ||
+        !ParseReal(ratio->value, r) || r <= 1.0 + 1e-12) {
+        return;
+    }
+    for (int i = 0; i < 3; ++i) {
+        if (axis[i] != nullptr) {
+            ParseReal(axis[i]->value, m[i]);
+        }
+    }
+    // The minor axis: the normal crossed with the major axis, times the ratio.
+    const double minor[3] = {(normal[1] * m[2] - normal[2] * m[1]) * r,
+                             (normal[2] * m[0] - normal[0] * m[2]) * r,
+                             (normal[0] * m[1] - normal[1] * m[0]) * r};
+    for (int i = 0; i < 3; ++i) {
+        if (axis[i] != nullptr) {
+            axis[i]->value = FormatReal(minor[i]);
+        }
+    }
+    ratio->value = FormatReal(1.0 / r);
+    double start = 0;
+    double end = 2 * std::numbers::pi;
+    if (params[0] != nullptr && params[1] != nullptr && ParseReal(params[0]->value, start) &&
+        ParseReal(params[1]->value, end) &&
+        std::abs(std::abs(end - start) - 2 * std::numbers::pi) > 1e-9) {  // a whole one stays
+        for (Tag* param : params) {
+            double v = 0;
+            ParseReal(param->value, v);
+            v -= std::numbers::pi / 2;
+            param->value = FormatReal(v < 0 ? v + 2 * std::numbers::pi : v);
+        }
+    }
+    Repair("line " + std::to_string(rec.line) + ": an ellipse had an axis ratio of " +
+           FormatReal(r) + "; its axes were swapped");
 }
 
 // Adds the entity to its space, or to the entity whose followers it is.
@@ -622,7 +704,9 @@ void Reader::DefineUsedLinetypes() {
             const Handle before = db_->HandleSeed();
             db_->AddLinetype(name);
             Generated(before);
-            Repair(FillMessage("line type %s was used but not defined; it was added", {name}));
+            if (++undefinedNames_["line type"] <= kNamedRepairs) {
+                Repair(FillMessage("line type %s was used but not defined; it was added", {name}));
+            }
         }
     }
 }

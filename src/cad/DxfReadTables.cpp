@@ -1,5 +1,6 @@
 // Reading table records, blocks and objects, and completing the database afterwards.
 #include <functional>
+#include <unordered_map>
 
 #include "cad/DxfReader.h"
 #include "cad/NumberText.h"
@@ -60,7 +61,10 @@ bool TakeRecordField(TableRecord& r, const RawTag& t,
 }  // namespace
 
 void Reader::TableRecordOf(const Record& rec, SymbolTable& table) {
-    Parsed p = Parse(rec, false);
+    // Only a record kept as it was read needs its tags listed in file order.
+    const bool modelled = rec.type == "LAYER" || rec.type == "STYLE" || rec.type == "LTYPE" ||
+                          rec.type == "APPID" || rec.type == "BLOCK_RECORD";
+    Parsed p = Parse(rec, false, !modelled);
     std::unique_ptr<TableRecord> record;
     const std::string type(rec.type);
     if (type != table.name) {
@@ -139,7 +143,21 @@ void Reader::TableRecordOf(const Record& rec, SymbolTable& table) {
 
 // ---- blocks
 
+void Reader::MakeSpaces() {
+    if (!old_) {
+        return;
+    }
+    for (const char* name : {"*Model_Space", "*Paper_Space"}) {
+        if (db_->FindBlock(name) == kNullHandle) {
+            const Handle before = db_->HandleSeed();
+            db_->DefineBlock(name);
+            Generated(before);
+        }
+    }
+}
+
 void Reader::Blocks(long line) {
+    MakeSpaces();
     Record rec;
     for (;;) {
         ExpectRecord(rec, "section BLOCKS");
@@ -154,7 +172,7 @@ void Reader::Blocks(long line) {
 }
 
 void Reader::Block(const Record& head, long sectionLine) {
-    Parsed p = Parse(head, false);
+    Parsed p = Parse(head);
     std::string name;
     for (const auto& t : p.body) {
         if (t.code == 2) {
@@ -162,12 +180,31 @@ void Reader::Block(const Record& head, long sectionLine) {
             break;
         }
     }
+    if (name.empty()) {
+        // A block must have a name to be referenced and written: give it one of its own.
+        std::string fresh;
+        for (int n = 1; fresh.empty() || db_->FindBlock(fresh) != kNullHandle; ++n) {
+            fresh = "UNNAMED_BLOCK_" + std::to_string(n);
+        }
+        Repair("line " + std::to_string(head.line) + ": a block without a name was named " + fresh);
+        if (BlockRecord* unnamed = db_->Block(db_->FindBlock(""))) {
+            unnamed->name = fresh;  // its record, also without a name
+            db_->ReindexRecords();
+        }
+        name = fresh;
+    } else if (old_ && EqualsNoCase(name, "$MODEL_SPACE")) {
+        name = "*Model_Space";  // the spaces' names before R13
+    } else if (old_ && EqualsNoCase(name, "$PAPER_SPACE")) {
+        name = "*Paper_Space";
+    }
     Handle recordHandle = db_->FindBlock(name);
     if (recordHandle == kNullHandle) {
         const Handle before = db_->HandleSeed();
         recordHandle = db_->DefineBlock(name);
         Generated(before);
-        Repair("block " + name + " had no block record");
+        if (!old_) {
+            Repair("block " + name + " had no block record");
+        }
     }
     BlockRecord& block = *db_->Block(recordHandle);
     block.beginHandle = p.handle;
@@ -197,6 +234,8 @@ void Reader::Block(const Record& head, long sectionLine) {
             }
         }
     }
+    // Extended data stays last, after the block's own groups.
+    KeepAll(p.xdata, block.beginExtra.Get("AcDbBlockBegin"));
     Record rec;
     for (;;) {
         if (!ReadRecord(rec)) {
@@ -207,6 +246,9 @@ void Reader::Block(const Record& head, long sectionLine) {
         }
         if (rec.type == "ENDSEC" || rec.type == "BLOCK" || rec.type == "EOF") {
             tok_.Fail(rec.line, "block " + name + " is not terminated by ENDBLK", rec.type);
+        }
+        if (old_) {
+            AddEntityMarkers(rec);
         }
         EntityRecord(rec, recordHandle);
     }
@@ -313,28 +355,53 @@ namespace cad::dxfread {
 
 // After the last section: the required objects, names resolved, dangling links cut.
 void Reader::Finish() {
-    auto require = [this](bool present, const std::string& what, const std::function<void()>& add) {
-        if (!present) {
-            add();
-            Repair(what + " was missing; it was added");
+    if (!old_) {
+        // What a drawing of R13 or later must hold; R12 and older have no block records,
+        // spaces' blocks or objects, and get them without a word.
+        const std::pair<bool, const char*> required[] = {
+            {db_->FindLayer("0") != kNullHandle, "layer 0"},
+            {db_->FindTextStyle("Standard") != kNullHandle, "text style Standard"},
+            {db_->FindApp("ACAD") != kNullHandle, "application ACAD"},
+            {db_->FindBlock("*Model_Space") != kNullHandle, "model space"},
+            {db_->FindBlock("*Paper_Space") != kNullHandle, "paper space"},
+            {db_->NamedObjects() != kNullHandle, "the named object dictionary"}};
+        for (const auto& [present, what] : required) {
+            if (!present) {
+                Repair(std::string(what) + " was missing; it was added");
+            }
         }
-    };
-    require(db_->FindLayer("0") != kNullHandle, "layer 0", [this] { db_->AddLayer("0"); });
-    require(db_->FindTextStyle("Standard") != kNullHandle, "text style Standard",
-            [this] { db_->AddTextStyle("Standard"); });
-    require(db_->FindApp("ACAD") != kNullHandle, "application ACAD",
-            [this] { db_->RegisterApp("ACAD"); });
-    require(db_->FindBlock("*Model_Space") != kNullHandle, "model space",
-            [this] { db_->DefineBlock("*Model_Space"); });
-    require(db_->FindBlock("*Paper_Space") != kNullHandle, "paper space",
-            [this] { db_->DefineBlock("*Paper_Space"); });
-    db_->SetSpaces(db_->FindBlock("*Model_Space"), db_->FindBlock("*Paper_Space"));
-    require(db_->NamedObjects() != kNullHandle, "the named object dictionary", [this] {
-        auto root = std::make_unique<Dictionary>();
-        const Handle h = db_->Add(std::move(root));
-        db_->MutableObjects().insert(db_->MutableObjects().begin(), h);
-        db_->SetNamedObjects(h);
-    });
+        if (unhandled_ > badHandles_) {
+            Repair(std::to_string(unhandled_ - badHandles_) +
+                   " objects had no handle; they were given new ones");
+        }
+    }
+    // Dictionaries every drawing is expected to hold (an empty ACAD_COLOR, say) are added
+    // as well, without a word: they hold nothing of the drawing.
+    db_->AddMissingDefaults();
+    for (Handle h : dimensions_) {
+        auto* dimension = db_->Get<UnknownEntity>(h);
+        if (dimension == nullptr) {
+            continue;
+        }
+        for (Tag& t : dimension->tags) {
+            if (t.code == 3) {  // its style, which must exist
+                if (db_->FindRecord("DIMSTYLE", t.value) == kNullHandle) {
+                    Repair("entity " + FormatHandle(h) + ": dimension style " + t.value +
+                           " is not defined; Standard is used");
+                    t.value = "Standard";
+                }
+                break;
+            }
+        }
+    }
+    for (const std::string& name : dimensionBlocks_) {
+        if (!name.empty() && db_->FindBlock(name) == kNullHandle) {
+            const Handle block = db_->DefineBlock(name);
+            db_->Block(block)->flags |= name[0] == '*' ? 1 : 0;  // anonymous, as dimensions' are
+            Repair("block " + name +
+                   " was drawn by a dimension but not defined; an empty block was added");
+        }
+    }
     for (const auto& [ref, name] : pendingBlocks_) {
         Handle block = db_->FindBlock(name);
         if (block == kNullHandle) {
@@ -345,6 +412,16 @@ void Reader::Finish() {
             r->block = block;
         }
     }
+    DefineUsedLinetypes();
+    for (const auto& [kind, count] : undefinedNames_) {
+        if (count > kNamedRepairs) {
+            Repair(std::to_string(count - kNamedRepairs) + " more " + kind +
+                   " names were used but not defined; they were added");
+        }
+    }
+    CompleteBlocks();
+    RepairLayouts();
+    RepairObjectOwners();
     db_->ForEachObject([this](const DbObject& o) {
         auto* e = const_cast<Entity*>(dynamic_cast<const Entity*>(&o));
         if (e == nullptr) {
@@ -361,8 +438,155 @@ void Reader::Finish() {
             }
         }
     });
-    DefineUsedLinetypes();
     db_->SetCurrentsFromHeader();
+}
+
+// A layout names its block record, and a layout's block record names its layout. Writers
+// leave either link pointing at nothing; readers then refuse the file, so each is mended
+// from the other side, and a layout with neither is dropped.
+void Reader::RepairLayouts() {
+    const Handle layouts = db_->FindDictionary("ACAD_LAYOUT");
+    auto* dict = db_->GetDictionary(layouts);
+    if (dict == nullptr) {
+        return;
+    }
+    const auto entries = dict->entries;
+    for (const auto& [name, h] : entries) {
+        auto* layout = db_->Get<UnknownObject>(h);
+        if (layout == nullptr || layout->typeName != "LAYOUT") {
+            continue;
+        }
+        // The block record is the first 330 after the AcDbLayout marker.
+        Tag* link = nullptr;
+        bool inLayout = false;
+        for (Tag& t : layout->tags) {
+            inLayout = inLayout || (t.code == 100 && t.value == "AcDbLayout");
+            if (inLayout && t.code == 330) {
+                link = &t;
+                break;
+            }
+        }
+        Handle record = kNullHandle;
+        if (link != nullptr && ParseHandle(link->value, record) && db_->Block(record) != nullptr) {
+            if (db_->Object(db_->Block(record)->layout) == nullptr) {
+                db_->Block(record)->layout = h;
+            }
+            continue;
+        }
+        record = kNullHandle;
+        const Handle layoutHandle = h;  // a structured binding cannot be captured everywhere
+        db_->ForEachObject([&](const DbObject& o) {
+            const auto* b = Database::Cast<BlockRecord>(&o);
+            if (b != nullptr && !b->erased && b->layout == layoutHandle) {
+                record = b->handle;
+            }
+        });
+        if (record == kNullHandle && EqualsNoCase(name, "Model")) {
+            record = db_->ModelSpace();
+        }
+        if (link != nullptr && record != kNullHandle) {
+            Repair("layout " + name + " named block record " + link->value +
+                   ", which does not exist; it was linked to " + db_->Block(record)->name);
+            link->value = FormatHandle(record);
+            db_->Block(record)->layout = h;
+        } else {
+            Repair("layout " + name + " had no block record; it was dropped");
+            dict->Remove(name);
+            layout->erased = true;
+        }
+    }
+    std::vector<BlockRecord*> orphans;
+    db_->ForEachObject([&](const DbObject& o) {
+        auto* b = const_cast<BlockRecord*>(Database::Cast<BlockRecord>(&o));
+        if (b == nullptr || b->erased || db_->Object(b->layout) != nullptr) {
+            return;
+        }
+        b->layout = kNullHandle;
+        if (b->name.size() > 12 && EqualsNoCase(b->name.substr(0, 12), "*Paper_Space")) {
+            orphans.push_back(b);
+        }
+    });
+    // Another paper space than the first without its layout: without entities it is what is
+    // left of a deleted layout; with entities it gets a layout of its own.
+    int order = 2;
+    for (BlockRecord* b : orphans) {
+        if (db_->Entities(b->handle).empty()) {
+            Repair("block record " + b->name + " had no layout; it was dropped");
+            b->erased = true;
+            continue;
+        }
+        std::string name = b->name.substr(1);
+        while (dict->Find(name) != kNullHandle) {
+            name += "_";
+        }
+        db_->AddLayout(name, b->handle, order++);
+        Repair("block record " + b->name + " had no layout; layout " + name + " was made for it");
+    }
+}
+
+// An object owned by nothing, or by an object that does not exist, is given to the dictionary
+// that lists it (the named object dictionary when none does).
+void Reader::RepairObjectOwners() {
+    std::unordered_map<Handle, Handle> listedBy;
+    for (Handle h : db_->Objects()) {
+        if (const auto* dict = db_->Get<Dictionary>(h)) {
+            for (const auto& entry : dict->entries) {
+                listedBy.emplace(entry.second, h);
+            }
+        } else if (const auto* other = db_->Get<UnknownObject>(h)) {
+            for (const Tag& t : other->tags) {  // a dictionary with a default, say
+                Handle entry = kNullHandle;
+                if ((t.code == 350 || t.code == 360) && ParseHandle(t.value, entry)) {
+                    listedBy.emplace(entry, h);
+                }
+            }
+        }
+    }
+    for (Handle h : db_->Objects()) {
+        DbObject* o = db_->Object(h);
+        if (o == nullptr || o->erased || h == db_->NamedObjects() ||
+            (o->owner != kNullHandle && db_->Object(o->owner) != nullptr)) {
+            continue;
+        }
+        const auto it = listedBy.find(h);
+        if (o->owner == kNullHandle && it == listedBy.end()) {
+            continue;  // unowned and unlisted: left as the file has it
+        }
+        const Handle owner = it != listedBy.end() ? it->second : db_->NamedObjects();
+        if (o->owner == kNullHandle) {
+            Repair(o->TypeName() + " " + FormatHandle(h) +
+                   " was owned by nothing; its owner is now " + FormatHandle(owner));
+        } else {
+            Repair(o->TypeName() + " " + FormatHandle(h) + " was owned by " +
+                   FormatHandle(o->owner) + ", which does not exist; its owner is now " +
+                   FormatHandle(owner));
+        }
+        o->owner = owner;
+    }
+}
+
+// Block records whose BLOCK never came (or came without a name) get an empty definition.
+void Reader::CompleteBlocks() {
+    const auto* table = db_->Get<SymbolTable>(db_->Table("BLOCK_RECORD"));
+    if (table == nullptr) {
+        return;
+    }
+    for (Handle h : table->records) {
+        BlockRecord* block = db_->Block(h);
+        if (block == nullptr || block->erased) {
+            continue;
+        }
+        if (block->beginHandle == kNullHandle || block->endHandle == kNullHandle) {
+            block->beginHandle = db_->NewHandle();
+            block->endHandle = db_->NewHandle();
+            if (block->beginLayer == kNullHandle) {
+                block->beginLayer = db_->FindLayer("0");
+            }
+            Repair("block " + block->name +
+                   " had no definition in section BLOCKS; an empty "
+                   "one was added");
+        }
+    }
 }
 
 }  // namespace cad::dxfread

@@ -1,7 +1,9 @@
 // The reader's internals, shared by the files that read sections and entities.
 #pragma once
 
+#include <map>
 #include <memory>
+#include <set>
 #include <string>
 #include <unordered_map>
 #include <unordered_set>
@@ -49,7 +51,9 @@ private:
     std::string Text(std::string_view raw) const;
     double Real(const RawTag& t) const;
     long long Int(const RawTag& t) const;
-    Handle Hex(const RawTag& t) const;
+    Handle Hex(const RawTag& t) const;  // not hexadecimal: reported, and read as none
+    std::string NameInPlaceOfHandle(const RawTag& t) const;
+    std::string Lineweight(const RawTag& t) const;
     Point3d PointAt(const std::vector<RawTag>& tags, std::size_t& i) const;
     Tag Keep(const RawTag& t) const;  // validated and decoded for storage
     void KeepAll(const std::vector<RawTag>& in, TagList& out) const;
@@ -57,20 +61,29 @@ private:
     // Notes the handles made since the seed was `before`: a later object of the file that
     // claims one of them means the file's $HANDSEED was too small.
     void Generated(Handle before);
-    void Repair(std::string text) { db_->Repairs().push_back(std::move(text)); }
+    void Repair(std::string text) const { db_->Repairs().push_back(std::move(text)); }
+    // R12 and older have neither block records nor the spaces' blocks: made before the
+    // blocks and entities that need them.
+    void MakeSpaces();
 
     // sections
     void Section(const Record& head);
+    void OutsideSections(const RawTag& first);
     void Header();
     void RawSection(TagList& out, const char* name, long line);
     void Tables(long line);
-    void Table(const Record& head);
+    // `first`: a record already read that belongs to the table (its head was missing).
+    void Table(const Record& head, Record* first = nullptr);
     void TableRecordOf(const Record& rec, SymbolTable& table);
     void Blocks(long line);
     void Block(const Record& rec, long sectionLine);
     void EntitiesSection(long line);
     void Objects(long line);
     void Finish();
+    void CompleteBlocks();
+    void RepairLayouts();
+    void RepairObjectOwners();
+    void MendEllipse(UnknownEntity& e, const Record& rec);
     void DefineUsedLinetypes();
 
     // entities
@@ -98,7 +111,11 @@ private:
     std::string charset_;
     bool utf8_ = false;
     std::unordered_set<Handle> blockHandles_;
-    std::unordered_map<std::string, Handle> layerCache_;
+    std::unordered_map<std::string, Handle> layerCache_;  // by the spelling the file uses
+    static constexpr long kNamedRepairs = 20;
+    std::map<std::string, long> undefinedNames_;  // by kind: names used and not defined
+    std::set<std::string> dimensionBlocks_;       // blocks dimensions draw with
+    std::vector<Handle> dimensions_;
     std::unordered_map<std::string, Handle> styleCache_;
     std::unordered_map<std::string, Handle> appCache_;
     Handle modelSpace_ = kNullHandle;
@@ -107,8 +124,16 @@ private:
     Handle openParent_ = kNullHandle;  // an entity whose followers (ATTRIB, VERTEX) are coming
     long openParentLine_ = 0;
     bool sawEof_ = false;
-    std::vector<std::pair<Handle, Handle>> generated_;
+    std::map<Handle, Handle> generated_;  // ranges [from, to) of handles made while reading
+    bool old_ = true;     // R12 or older, or no version given: no subclass markers expected
+    long unhandled_ = 0;  // objects read without a handle
+    mutable long badHandles_ = 0;  // handles that were not hexadecimal, reported one by one
 };
+
+// Drawings of R12 and older: subclass markers put into an entity or table record that has
+// none, as later versions write them (a type they do not know stays as it is).
+void AddEntityMarkers(Record& rec);
+void AddRecordMarkers(Record& rec);
 
 // Thrown when a handle of the file was already given to an object the reader made; the
 // file is then read again with every new handle above the file's own.

@@ -9,6 +9,8 @@ namespace cad::dxfread {
 
 namespace {
 
+constexpr std::string_view kBinarySentinel{"AutoCAD Binary DXF\r\n\x1a\0", 22};
+
 std::string Printable(std::string_view text) {
     std::string out;
     for (unsigned char c : text.substr(0, 60)) {
@@ -28,7 +30,14 @@ Tokenizer::Tokenizer(std::string_view data, std::string fileName)
     }
     const std::string_view head = data.substr(0, 32);
     if (head.rfind("AutoCAD Binary DXF", 0) == 0) {
-        Fail(1, "binary DXF is not supported; save the drawing as ASCII DXF");
+        if (data.substr(0, kBinarySentinel.size()) != kBinarySentinel) {
+            Fail(1, "binary DXF with a damaged first line", head.substr(0, 22));
+        }
+        binary_ = true;
+        pos_ = kBinarySentinel.size();
+        // The first tag is "0 SECTION": with two-byte codes its second byte is 0 as well.
+        twoByteCodes_ = data.size() > pos_ + 1 && data[pos_ + 1] == '\0';
+        return;
     }
     if (head.size() >= 6 && head.substr(0, 4) == "AC10" && head[4] >= '0' && head[4] <= '9') {
         Fail(1, "this is a DWG drawing, not a DXF file", head.substr(0, 6));
@@ -43,6 +52,9 @@ Tokenizer::Tokenizer(std::string_view data, std::string fileName)
 }
 
 void Tokenizer::Fail(long line, const std::string& problem, std::string_view text) const {
+    if (binary_) {
+        throw DxfError::AtOffset(fileName_, line, problem, Printable(text));
+    }
     throw DxfError(fileName_, line, problem, Printable(text));
 }
 
@@ -70,8 +82,7 @@ void Tokenizer::ReleaseConsumed() {
         return;
     }
     // Everything before the tag waiting in `peekTag_` (or before the cursor) is done with.
-    const std::size_t upTo =
-        peeked_ ? static_cast<std::size_t>(peekTag_.value.data() - data_.data()) : pos_;
+    const std::size_t upTo = peeked_ ? peekStart_ : pos_;
     if (upTo > released_ + (std::size_t{4} << 20)) {
         release_(released_, upTo);
         released_ = upTo;
@@ -84,6 +95,7 @@ bool Tokenizer::NextInRecord(RawTag& tag) {
             return false;
         }
         peeked_ = true;
+        peekStart_ = tagStart_;
     }
     if (peekTag_.code == 0) {
         return false;
@@ -99,7 +111,7 @@ bool Tokenizer::Peek(RawTag& tag) {
         if (!peeked_) {
             return false;
         }
-        peeked_ = true;
+        peekStart_ = tagStart_;
     }
     tag = peekTag_;
     return true;
@@ -111,6 +123,17 @@ bool Tokenizer::Next(RawTag& tag) {
         tag = peekTag_;
         return true;
     }
+    // Comments may stand wherever a group may, before the first section too.
+    do {
+        tagStart_ = pos_;
+        if (!(binary_ ? NextBinary(tag) : NextTag(tag))) {
+            return false;
+        }
+    } while (tag.code == 999);
+    return true;
+}
+
+bool Tokenizer::NextTag(RawTag& tag) {
     std::string_view codeLine;
     if (!ReadLine(codeLine)) {
         return false;

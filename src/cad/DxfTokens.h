@@ -2,6 +2,7 @@
 #pragma once
 
 #include <functional>
+#include <memory>
 #include <string>
 #include <string_view>
 #include <vector>
@@ -16,8 +17,14 @@ struct RawTag {
     long line = 0;           // line of the group code, 1-based
 };
 
-// Reads tags one at a time. Throws DxfError on a group code that is not a number, a file
-// that ends after a group code, a binary DXF, a DWG or an image given as DXF.
+// Reads tags one at a time, from ASCII or binary DXF alike; comments (group code 999) are
+// skipped. Throws DxfError on a group code that is not a number, a file that ends after a
+// group code or inside a binary value, a DWG or an image given as DXF.
+//
+// Binary DXF: the values are turned into the text an ASCII file would hold (numbers in their
+// shortest exact form, binary chunks as hex), so everything above this layer sees one kind of
+// tag. There `line` is the byte offset of a tag's value less one, so that `line + 1`, which
+// the reader gives for a faulty value, is the value's offset, and errors name byte offsets.
 class Tokenizer {
 public:
     Tokenizer(std::string_view data, std::string fileName);
@@ -28,7 +35,8 @@ public:
     // The next tag unless it has group code 0, which then stays for Next or Peek.
     bool NextInRecord(RawTag& tag);
     const std::string& FileName() const { return fileName_; }
-    long Line() const { return line_; }
+    long Line() const { return binary_ ? static_cast<long>(pos_) : line_; }
+    bool Binary() const { return binary_; }
     [[noreturn]] void Fail(long line, const std::string& problem, std::string_view text = {}) const;
     // Called with byte ranges [from, to) of the data that no tag refers to any more, so a
     // mapped file need not stay in memory whole.
@@ -39,6 +47,10 @@ public:
 
 private:
     bool ReadLine(std::string_view& line);
+    bool NextTag(RawTag& tag);
+    bool NextBinary(RawTag& tag);
+    // Room for one binary value turned into text; lives as long as the tokenizer.
+    char* Scratch(std::size_t size);
 
     std::string_view data_;
     std::size_t pos_ = 0;
@@ -48,6 +60,13 @@ private:
     RawTag peekTag_;
     std::function<void(std::size_t, std::size_t)> release_;
     std::size_t released_ = 0;
+    std::size_t peekStart_ = 0;  // where the tag waiting in `peekTag_` starts in the data
+    std::size_t tagStart_ = 0;
+    bool binary_ = false;
+    bool twoByteCodes_ = true;  // R13 and later; R12 writes one byte (255 then two for more)
+    std::vector<std::unique_ptr<char[]>> arena_;
+    std::size_t arenaLeft_ = 0;
+    char* arenaNext_ = nullptr;
 };
 
 // One object of the file: the tags from its group code 0 up to the next one.

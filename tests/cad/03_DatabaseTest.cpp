@@ -39,15 +39,28 @@ TEST(Database, AppendedEntitiesTakeCurrentLayerAndStyleAndKeepTheirHandles) {
     EXPECT_EQ(db.Get<Text>(text->handle), text);
     EXPECT_EQ(db.Get<Line>(text->handle), nullptr);  // typed access refuses the wrong type
     EXPECT_EQ(db.HeaderString("$CLAYER"), "DIM");
-    // Looking a name up again after a rename or an erase sees the change.
+    // Looking a name up again after a rename or an erase sees the change: an erase and the
+    // old name at once, the new name once the records are indexed again.
     EXPECT_EQ(db.FindLayer("dim"), dim);
     db.Layer(dim)->name = "DIM2";
-    EXPECT_EQ(db.FindLayer("DIM"), kNullHandle);
+    db.ReindexRecords();
     EXPECT_EQ(db.FindLayer("DIM2"), dim);
+    EXPECT_EQ(db.FindLayer("DIM"), kNullHandle);
     db.Layer(dim)->erased = true;
     EXPECT_EQ(db.FindLayer("DIM2"), kNullHandle);
+    const Handle again = db.AddLayer("dim2");  // the erased one's name is free again
+    EXPECT_NE(again, dim);
+    EXPECT_EQ(db.FindLayer("DIM2"), again);
+    db.Layer(again)->erased = true;
     db.Layer(dim)->erased = false;
     db.Layer(dim)->name = "DIM";
+    db.ReindexRecords();
+    // Records appended to a table's list directly are found too, however many.
+    for (int i = 0; i < 1000; ++i) {
+        db.AddLayer("L" + std::to_string(i));
+    }
+    EXPECT_NE(db.FindLayer("l999"), kNullHandle);
+    EXPECT_EQ(db.FindLayer("L1000"), kNullHandle);
     ASSERT_EQ(db.Entities().size(), 2u);
 
     // Erasing marks: the object stays reachable by handle, iteration skips it.

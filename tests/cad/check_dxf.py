@@ -42,7 +42,18 @@ def raw_tags(path):
         if lines[i].strip() == b"9" and lines[i + 1].strip() == b"$ACADVER":
             version = lines[i + 3].strip()
             break
-    enc = "utf-8" if version >= b"AC1021" else "gbk"
+    codepage = b""
+    for i in range(0, len(lines) - 3, 2):
+        if lines[i].strip() == b"9" and lines[i + 1].strip() == b"$DWGCODEPAGE":
+            codepage = lines[i + 3].strip().upper()
+            break
+    legacy = {b"ANSI_936": "gbk", b"ANSI_932": "cp932", b"ANSI_949": "cp949",
+              b"ANSI_950": "big5"}.get(codepage)
+    if legacy is None and codepage.startswith(b"ANSI_125"):
+        legacy = "cp" + codepage[5:].decode()
+    if not codepage:
+        legacy = "cp1252"  # what readers assume of a file that names no code page
+    enc = "utf-8" if version >= b"AC1021" else legacy or "gbk"
     tags = []
     for i in range(0, len(lines) - 1, 2):
         tags.append((int(lines[i].strip()), lines[i + 1].rstrip(b"\r").decode(enc)))
