@@ -274,7 +274,7 @@ void Database::AddMissingDefaults() {
     }
     for (const char* name : {"ByBlock", "ByLayer", "Continuous"}) {
         if (FindRecord("LTYPE", name) == kNullHandle) {
-            AddLinetype(*this, Table("LTYPE"), name);
+            AddLinetype(name);
         }
     }
     AddLayer("0", 7);
