@@ -10,6 +10,7 @@
 #include "ExitCodes.h"
 #include "FileErrors.h"
 #include "cad/Dxf.h"
+#include "cad/Expansion.h"
 #include "cad/render/Render.h"
 #include "files/AtomicFile.h"
 
@@ -255,6 +256,13 @@ int RunRender(const Arguments& args) {
         return kExitUsage;
     }
     std::string error;
+    // A drawing whose blocks contain themselves, or expand past any bound, is malformed input.
+    const cad::Handle space =
+        options.block.empty() ? db->ModelSpace() : db->FindBlock(options.block);
+    if (!cad::CheckExpansion(*db, space, error)) {
+        std::fprintf(stderr, "qvplc dxf: %s: %s\n", parsed->positional[0].c_str(), error.c_str());
+        return kExitBadInput;
+    }
     cad::render::WalkCounts counts;
     if (!cad::render::RenderToFile(*db, parsed->positional[1], options, error, &counts)) {
         std::fprintf(stderr, "qvplc dxf: %s\n", error.c_str());
