@@ -29,47 +29,57 @@ bool RunSqlText(std::istream& in, const std::string& source, Connection& db, std
     return true;
 }
 
+CreateResult BuildLibraryFile(const std::string& target, const files::WriteOptions& options,
+                              const std::function<bool(Connection&, std::string&)>& build,
+                              std::string& error) {
+    std::string scratch;
+    try {
+        files::CheckWritable(target);
+        scratch = files::ScratchPathFor(target);
+    } catch (const files::FileError& e) {
+        error = e.what();
+        return CreateResult::CannotCreate;
+    }
+    CreateResult result = CreateResult::Created;
+    {
+        Connection db;
+        if (!db.Create(scratch, error)) {
+            result = CreateResult::CannotCreate;
+        } else if (!build(db, error) || !db.Close(error)) {
+            std::string closing;
+            db.Close(closing);
+            result = CreateResult::BadStatement;
+        }
+    }
+    if (result == CreateResult::Created) {
+        try {
+            files::CopyInto(target, scratch, options);
+        } catch (const files::FileError& e) {
+            error = e.what();
+            result = CreateResult::CannotCreate;
+        }
+    }
+    std::error_code ec;
+    std::filesystem::remove(scratch, ec);
+    std::filesystem::remove(scratch + "-journal", ec);
+    return result;
+}
+
 CreateResult CreateLibraryFile(const std::string& target, std::istream* in,
                                const std::string& source, std::string& error, int& statements,
                                Existing existing) {
-    std::string temporary;
-    try {
-        files::CheckWritable(target);
-        temporary = files::ScratchPathFor(target);
-    } catch (const files::FileError& e) {
-        error = e.what();
-        return CreateResult::CannotCreate;
-    }
-    std::error_code ec;
     statements = 0;
-    {
-        Connection db;
-        if (!db.Create(temporary, error)) {
-            std::filesystem::remove(temporary, ec);
-            return CreateResult::CannotCreate;
-        }
-        if (!db.Execute("BEGIN", error) ||
-            (in && !RunSqlText(*in, source, db, error, statements)) ||
-            !db.Execute("COMMIT", error) || !db.Close(error)) {
-            std::string closing;
-            db.Close(closing);
-            std::filesystem::remove(temporary, ec);
-            std::filesystem::remove(temporary + "-journal", ec);
-            return CreateResult::BadStatement;
-        }
-    }
     // Unless asked to replace it, a library made meanwhile by someone else is kept.
     files::WriteOptions options;
     options.createOnly = existing == Existing::Keep;
-    try {
-        files::CopyInto(target, temporary, options);
-    } catch (const files::FileError& e) {
-        error = e.what();
-        std::filesystem::remove(temporary, ec);
-        return CreateResult::CannotCreate;
-    }
-    std::filesystem::remove(temporary, ec);
-    return CreateResult::Created;
+    return BuildLibraryFile(
+        target, options,
+        [&](Connection& db, std::string& failure) {
+            return db.Execute("BEGIN", failure) &&
+                   (!in || RunSqlText(*in, source, db, failure, statements)) &&
+                   db.Execute("COMMIT", failure);
+        },
+        error);
 }
 
 }  // namespace plcdb

@@ -2,8 +2,11 @@
 // a comment line): the bundled sample library is kept in this form.
 #pragma once
 
+#include <functional>
 #include <istream>
 #include <string>
+
+#include "files/AtomicFile.h"
 
 namespace plcdb {
 
@@ -19,6 +22,14 @@ bool RunSqlText(std::istream& in, const std::string& source, Connection& db, std
 // file is kept (the result is CannotCreate) unless `existing` says to replace it. On failure
 // `error` holds the reason.
 enum class CreateResult { Created, BadStatement, CannotCreate };
+
+// SQLite makes a library by name: `build` fills a new library at a scratch path beside
+// `target`, and only a complete one is written over `target` through the atomic writer. The
+// scratch file and its journal are removed either way. BadStatement when `build` failed,
+// CannotCreate when the target cannot be written; `error` says why.
+CreateResult BuildLibraryFile(const std::string& target, const files::WriteOptions& options,
+                              const std::function<bool(Connection&, std::string&)>& build,
+                              std::string& error);
 enum class Existing { Keep, Replace };
 CreateResult CreateLibraryFile(const std::string& target, std::istream* in,
                                const std::string& source, std::string& error, int& statements,

@@ -2,7 +2,7 @@
 
 #include <filesystem>
 
-#include "files/AtomicFile.h"
+#include "plclib/LibrarySql.h"
 #include "plclib/PlcLib.h"
 
 namespace plcdb {
@@ -198,33 +198,13 @@ bool MigrateLibrary(ITableSource& source, const std::string& target,
         error = "the file is no component library: it has no table PLC_MANUFACTURER";
         return false;
     }
-    // SQLite builds the library by name: in a scratch file beside the target, which is then
-    // written through an AtomicFile, so a failed migration never leaves half a library.
-    std::string temporary;
-    try {
-        files::CheckWritable(target);
-        temporary = files::ScratchPathFor(target);
-    } catch (const files::FileError& e) {
-        error = e.what();
-        return false;
-    }
-    bool ok = false;
-    {
-        Connection db;
-        ok = db.Create(temporary, error) && Convert(source, db, options, report, error) &&
-             db.Close(error);
-    }
-    if (ok) {
-        try {
-            files::CopyInto(target, temporary);
-        } catch (const files::FileError& e) {
-            error = e.what();
-            ok = false;
-        }
-    }
-    fs::remove(temporary, ec);
-    fs::remove(temporary + "-journal", ec);
-    return ok;
+    const auto built = BuildLibraryFile(
+        target, {},
+        [&](Connection& db, std::string& failure) {
+            return Convert(source, db, options, report, failure);
+        },
+        error);
+    return built == CreateResult::Created;
 }
 
 }  // namespace plcdb
