@@ -472,8 +472,10 @@ bool Reader::TakeSpecific(Entity& e, const std::string& m, const RawTag& t,
                 return true;
             }
             if (e.Kind() == ObjectKind::Arc && In(m, "AcDbArc") && (t.code == 50 || t.code == 51)) {
+                // Whole turns dropped: an angle of 1e13 degrees is the same arc, and code that
+                // walks an arc's quarters should not walk a billion turns.
                 (t.code == 50 ? static_cast<Arc&>(e).startAngle : static_cast<Arc&>(e).endAngle) =
-                    Real(t) * kRadians;
+                    std::fmod(Real(t), 360.0) * kRadians;
                 return true;
             }
             return false;
