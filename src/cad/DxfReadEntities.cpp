@@ -122,6 +122,16 @@ bool IsStructural(std::string_view type) {
 }  // namespace
 
 void Reader::CheckType(const Record& rec, const char* section) const {
+    // A type name is one word of visible characters: a blank or a control character in it
+    // could not be written back as the same name.
+    if (std::any_of(rec.type.begin(), rec.type.end(),
+                    [](char c) { return static_cast<unsigned char>(c) <= 0x20 || c == 0x7F; })) {
+        tok_.Fail(rec.line,
+                  std::string("an object type name holds a blank or a control character in "
+                              "section ") +
+                      section,
+                  rec.type);
+    }
     if (IsStructural(rec.type)) {
         const std::string what = rec.type.empty() ? "an object without a type name"
                                                   : "misplaced " + std::string(rec.type);
