@@ -123,6 +123,16 @@ bool IsStructural(std::string_view type) {
 }  // namespace
 
 void Reader::CheckType(const Record& rec, const char* section) const {
+    // A type name is one word of visible characters: a blank or a control character in it
+    // could not be written back as the same name.
+    if (std::any_of(rec.type.begin(), rec.type.end(),
+                    [](char c) { return static_cast<unsigned char>(c) <= 0x20 || c == 0x7F; })) {
+        tok_.Fail(rec.line,
+                  std::string("an object type name holds a blank or a control character in "
+                              "section ") +
+                      section,
+                  rec.type);
+    }
     if (IsStructural(rec.type)) {
         const std::string what = rec.type.empty() ? "an object without a type name"
                                                   : "misplaced " + std::string(rec.type);
@@ -463,8 +473,10 @@ bool Reader::TakeSpecific(Entity& e, const std::string& m, const RawTag& t,
                 return true;
             }
             if (e.Kind() == ObjectKind::Arc && In(m, "AcDbArc") && (t.code == 50 || t.code == 51)) {
+                // Whole turns dropped: an angle of 1e13 degrees is the same arc, and code that
+                // walks an arc's quarters should not walk a billion turns.
                 (t.code == 50 ? static_cast<Arc&>(e).startAngle : static_cast<Arc&>(e).endAngle) =
-                    Real(t) * kRadians;
+                    std::fmod(Real(t), 360.0) * kRadians;
                 return true;
             }
             return false;

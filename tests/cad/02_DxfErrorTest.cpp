@@ -48,6 +48,8 @@ TEST(DxfError, EachFaultIsNamedWithFileAndLine) {
         {"PNG", std::string("\x89PNG\r\n\x1a\n\0\0\0\rIHDR", 16), 1, "not a DXF"},
         {"misplaced ENDBLK", Replace(ok, "0\nLINE", "0\nENDBLK"), 15, "misplaced ENDBLK"},
         {"NUL byte", Replace(ok, "LINE", std::string("LI\0E", 4)), 16, "NUL"},
+        {"control character in a type name", Replace(ok, "LINE", "LI\tNE"), 15,
+         "type name holds a blank or a control character"},
     };
     for (const auto& c : cases) {
         try {

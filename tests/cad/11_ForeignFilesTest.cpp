@@ -9,6 +9,7 @@
 #include "TestPaths.h"
 #include "cad/Database.h"
 #include "cad/Dxf.h"
+#include "cad/Operations.h"
 #include "cad/Tags.h"
 
 namespace cad {
@@ -405,6 +406,19 @@ TEST(ForeignFiles, EllipseWithRatioAboveOneKeepsItsPoints) {
         EXPECT_NEAR(before.second, after.second, 1e-9) << f;
     }
     EXPECT_TRUE(HasRepair(*db, "axes were swapped"));
+}
+
+// Found by fuzzing: an arc angle of 3.4e13 degrees made measuring the arc walk its turns.
+TEST(ForeignFiles, ArcAnglesOfManyTurnsAreReadAsOne) {
+    const auto path = ts::SourceDir() / "fuzz/corpus/regression-arc-huge-angle.dxf";
+    auto db = ReadDxfFile(path.string());
+    ASSERT_EQ(db->Entities().size(), 1u);
+    const auto* arc = Database::Cast<Arc>(db->Entities()[0]);
+    ASSERT_NE(arc, nullptr);
+    EXPECT_LE(std::abs(arc->startAngle), 2 * M_PI);
+    EXPECT_LE(std::abs(arc->endAngle), 2 * M_PI);
+    EXPECT_NEAR(arc->endAngle, std::fmod(375.0752244008874874, 360.0) * M_PI / 180, 1e-12);
+    EXPECT_TRUE(EntityExtents(*db, *arc).has_value());
 }
 
 TEST(ForeignFiles, ManyObjectsWithoutHandlesAreCountedOnce) {
