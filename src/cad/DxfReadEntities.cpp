@@ -48,10 +48,6 @@ bool In(const std::string& marker, const char* a, const char* b = nullptr) {
 
 void Reader::EntitiesSection(long line) {
     MakeSpaces();
-    // Every layer may be named: the cache is sized once rather than grown step by step.
-    if (const auto* layers = db_->Get<SymbolTable>(db_->Table("LAYER"))) {
-        layerCache_.reserve(layers->records.size());
-    }
     Record rec;
     for (;;) {
         if (!ReadRecord(rec)) {
@@ -72,27 +68,20 @@ void Reader::EntitiesSection(long line) {
 }
 
 // Resolves a table entry named by an entity; a name the file never defined is added, so
-// that the written drawing defines every name it uses.
-Handle Reader::NamedEntry(std::unordered_map<std::string, Handle>& cache, const std::string& name,
-                          const NamedTable& table) {
-    auto it = cache.find(name);
-    if (it != cache.end()) {
-        return it->second;
+// that the written drawing defines every name it uses. The database's own index by name
+// answers every look-up (a second cache by spelling cost a hash look-up more per entity).
+Handle Reader::NamedEntry(const std::string& name, const NamedTable& table) {
+    if (const Handle h = table.find(*db_, name); h != kNullHandle) {
+        return h;
     }
-    Handle h = table.find(*db_, name);
-    if (h == kNullHandle) {
-        const Handle before = db_->HandleSeed();
-        h = table.add(*db_, name.empty() ? table.fallback : name);
-        Generated(before);
-        // A file may use 100,000 names it never defines: the first few are named, the rest
-        // counted.
-        auto& added = undefinedNames_[table.kind];
-        if (++added <= kNamedRepairs) {
-            Repair(std::string(table.kind) + " " + name +
-                   " was used but not defined; it was added");
-        }
+    const Handle before = db_->HandleSeed();
+    const Handle h = table.add(*db_, name.empty() ? table.fallback : name);
+    Generated(before);
+    // A file may use 100,000 names it never defines: the first few are named, the rest
+    // counted.
+    if (++undefinedNames_[table.kind] <= kNamedRepairs) {
+        Repair(std::string(table.kind) + " " + name + " was used but not defined; it was added");
     }
-    cache.emplace(name, h);
     return h;
 }
 
@@ -100,7 +89,7 @@ Handle Reader::LayerNamed(const std::string& name) {
     static const NamedTable layers{
         [](Database& db, const std::string& n) { return db.FindLayer(n); },
         [](Database& db, const std::string& n) { return db.AddLayer(n); }, "0", "layer"};
-    return NamedEntry(layerCache_, name, layers);
+    return NamedEntry(name, layers);
 }
 
 Handle Reader::StyleNamed(const std::string& name) {
@@ -108,7 +97,7 @@ Handle Reader::StyleNamed(const std::string& name) {
         [](Database& db, const std::string& n) { return db.FindTextStyle(n); },
         [](Database& db, const std::string& n) { return db.AddTextStyle(n); }, "Standard",
         "text style"};
-    return NamedEntry(styleCache_, name, styles);
+    return NamedEntry(name, styles);
 }
 
 namespace {

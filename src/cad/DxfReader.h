@@ -100,8 +100,7 @@ private:
         const char* fallback;  // the name given to an entry named by empty text
         const char* kind;
     };
-    Handle NamedEntry(std::unordered_map<std::string, Handle>& cache, const std::string& name,
-                      const NamedTable& table);
+    Handle NamedEntry(const std::string& name, const NamedTable& table);
     Handle LayerNamed(const std::string& name);
     Handle StyleNamed(const std::string& name);
     void Place(std::unique_ptr<Entity> e, Handle space, const Record& rec);
@@ -111,12 +110,10 @@ private:
     std::string charset_;
     bool utf8_ = false;
     std::unordered_set<Handle> blockHandles_;
-    std::unordered_map<std::string, Handle> layerCache_;  // by the spelling the file uses
     static constexpr long kNamedRepairs = 20;
     std::map<std::string, long> undefinedNames_;  // by kind: names used and not defined
     std::set<std::string> dimensionBlocks_;       // blocks dimensions draw with
     std::vector<Handle> dimensions_;
-    std::unordered_map<std::string, Handle> styleCache_;
     std::unordered_map<std::string, Handle> appCache_;
     Handle modelSpace_ = kNullHandle;
     Handle paperSpace_ = kNullHandle;
