@@ -178,6 +178,29 @@ Handle Database::Table(std::string_view tableName) const {
     return kNullHandle;
 }
 
+namespace {
+
+// The key a table record is found by: its name without regard to case, and as a file holds
+// it: control characters become blanks when written and blanks at either end are trimmed when
+// read, so two names that would write alike are one name.
+void NameKey(std::string_view name, std::string& key) {
+    key.clear();
+    for (char c : name) {
+        const auto u = static_cast<unsigned char>(c);
+        key.push_back(u < 0x20 || u == 0x7F ? ' '
+                                            : static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c));
+    }
+    const std::size_t first = key.find_first_not_of(' ');
+    if (first == std::string::npos) {
+        key.clear();
+        return;
+    }
+    key.erase(key.find_last_not_of(' ') + 1);
+    key.erase(0, first);
+}
+
+}  // namespace
+
 Handle Database::FindRecord(std::string_view tableName, std::string_view name) const {
     // Names are looked up for every entity read and every extended-data item appended, and a
     // table may hold 100,000 layers: each table keeps an index by upper-cased name, brought
@@ -189,9 +212,7 @@ Handle Database::FindRecord(std::string_view tableName, std::string_view name) c
         return kNullHandle;
     }
     std::string& key = lookupKey_;
-    key.resize(name.size());
-    std::transform(name.begin(), name.end(), key.begin(),
-                   [](char c) { return static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c); });
+    NameKey(name, key);
     RecordIndex& index = recordIndex_[tableHandle];
     for (int pass = 0; pass < 2; ++pass) {
         if (index.indexed > table->records.size()) {
@@ -204,11 +225,9 @@ Handle Database::FindRecord(std::string_view tableName, std::string_view name) c
             const Handle h = table->records[index.indexed];
             const auto* r = Get<TableRecord>(h);
             if (r != nullptr && !r->erased) {
-                std::string upper = r->name;
-                for (char& c : upper) {
-                    c = static_cast<char>(c >= 'a' && c <= 'z' ? c - 32 : c);
-                }
-                index.byName.emplace(std::move(upper), h);  // the first of a name wins
+                std::string recordKey;
+                NameKey(r->name, recordKey);
+                index.byName.emplace(std::move(recordKey), h);  // the first of a name wins
             }
         }
         const auto it = index.byName.find(key);
@@ -216,8 +235,11 @@ Handle Database::FindRecord(std::string_view tableName, std::string_view name) c
             return kNullHandle;
         }
         const auto* r = Get<TableRecord>(it->second);
-        if (r != nullptr && !r->erased && EqualsNoCase(r->name, name)) {
-            return it->second;
+        if (r != nullptr && !r->erased) {
+            std::string recordKey;
+            if (EqualsNoCase(r->name, name) || (NameKey(r->name, recordKey), recordKey == key)) {
+                return it->second;
+            }
         }
         index = {};  // a record was erased or renamed since: index the table again
     }

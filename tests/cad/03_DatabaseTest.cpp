@@ -74,6 +74,19 @@ TEST(Database, AppendedEntitiesTakeCurrentLayerAndStyleAndKeepTheirHandles) {
     EXPECT_GT(db.AppendNew<Circle>()->handle, line->handle);
 }
 
+// A file holds a name with its control characters as blanks, and a reader trims blanks at
+// either end: names that would be written alike must be one record, or a drawing written and
+// read again ends with two model spaces and its entities in the wrong one.
+TEST(Database, NamesThatWriteAlikeAreOneRecord) {
+    Database db;
+    const Handle model = db.ModelSpace();
+    EXPECT_EQ(db.DefineBlock("*Model_Space\x10"), model);
+    EXPECT_EQ(db.FindBlock(" *model_space "), model);
+    const Handle layer = db.AddLayer("WIRES", 1);
+    EXPECT_EQ(db.FindLayer("wires\t"), layer);
+    EXPECT_NE(db.FindLayer("WIRES 2"), layer);
+}
+
 TEST(Database, ExtendedDataAppendsSetsAndRegistersApplications) {
     Database db;
     auto* label = db.AppendNew<MText>();
