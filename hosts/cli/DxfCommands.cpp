@@ -204,6 +204,10 @@ int RunConvert(const Arguments& args) {
         cad::WriteDxfFile(*db, parsed->positional[1], *version);
     } catch (const files::FileError& e) {
         return ReportFileError("qvplc dxf convert", e);
+    } catch (const cad::DxfError& e) {
+        // The drawing read cannot be written as it is (its audit names what): bad input.
+        std::fprintf(stderr, "qvplc dxf: %s\n", e.what());
+        return kExitBadInput;
     } catch (const std::exception& e) {
         std::fprintf(stderr, "qvplc dxf: %s: %s\n", parsed->positional[1].c_str(), e.what());
         return kExitCannotWrite;

@@ -134,6 +134,11 @@ private:
     // An attribute or end marker stands in a file only after the reference that lists it.
     void CheckFollower(const Entity& e) {
         const ObjectKind kind = e.Kind();
+        if (const auto* u = Database::Cast<UnknownEntity>(&e);
+            u != nullptr && u->typeName == "VERTEX") {
+            CheckVertex(e);
+            return;
+        }
         if (kind != ObjectKind::Attribute && kind != ObjectKind::Seqend) {
             return;
         }
@@ -152,6 +157,17 @@ private:
             Issue(e.handle, FillMessage("%s is not attached to a block reference; a file cannot "
                                         "hold it on its own",
                                         {e.TypeName()}));
+        }
+    }
+
+    // A vertex stands in a file only after the polyline that lists it: on its own it would be
+    // read back as a vertex of whatever polyline the file holds before it.
+    void CheckVertex(const Entity& e) {
+        const auto* polyline = Database::Cast<UnknownEntity>(db_.Object(e.owner));
+        if (polyline == nullptr || std::find(polyline->followers.begin(), polyline->followers.end(),
+                                             e.handle) == polyline->followers.end()) {
+            Issue(e.handle,
+                  "VERTEX is not attached to a polyline; a file cannot hold it on its own");
         }
     }
 
