@@ -92,6 +92,13 @@ bool Tokenizer::NextBinary(RawTag& tag) {
         }
         value = std::string_view(out, static_cast<std::size_t>(end - out));
     };
+    // A little-endian number of the width its type gives, written as text.
+    auto take = [&](auto type) {
+        using T = decltype(type);
+        need(sizeof(T), "the file ends inside a number (truncated?)");
+        number(LittleEndian<T>(data_.data() + pos_));
+        pos_ += sizeof(T);
+    };
     if (IsChunk(code)) {
         need(1, "the file ends before the length of a binary chunk (truncated?)");
         const std::size_t n = static_cast<unsigned char>(data_[pos_++]);
@@ -120,24 +127,16 @@ bool Tokenizer::NextBinary(RawTag& tag) {
                 break;
             }
             case TagType::Real:
-                need(8, "the file ends inside a number (truncated?)");
-                number(LittleEndian<double>(data_.data() + pos_));
-                pos_ += 8;
+                take(double{});
                 break;
             case TagType::Int16:
-                need(2, "the file ends inside a number (truncated?)");
-                number(LittleEndian<std::int16_t>(data_.data() + pos_));
-                pos_ += 2;
+                take(std::int16_t{});
                 break;
             case TagType::Int32:
-                need(4, "the file ends inside a number (truncated?)");
-                number(LittleEndian<std::int32_t>(data_.data() + pos_));
-                pos_ += 4;
+                take(std::int32_t{});
                 break;
             case TagType::Int64:
-                need(8, "the file ends inside a number (truncated?)");
-                number(LittleEndian<std::int64_t>(data_.data() + pos_));
-                pos_ += 8;
+                take(std::int64_t{});
                 break;
             case TagType::Bool:
                 need(1, "the file ends inside a number (truncated?)");
