@@ -80,7 +80,7 @@ void FillModule(CDlgPlcRendal& dlg, int terminals) {
     dlg.editShortName = "QV";
     dlg.editModuleCode = "DI-64";
     dlg.editModuleDesc = "数字量输入模块";
-    dlg.termList.rows.clear();
+    dlg.termList.Clear();
     for (int i = 0; i < terminals; ++i) {
         dlg.termList.AddRow({std::to_string(i), std::to_string(i + 1), "输入点" + std::to_string(i),
                              "", i % 2 ? "     向下" : "向上"},

@@ -11,10 +11,10 @@
 #include "ExitCodes.h"
 #include "FileErrors.h"
 #include "LibraryCheck.h"
+#include "dialog/LibraryTree.h"
 #include "files/AtomicFile.h"
 #include "host/SuiteServices.h"
 #include "plclib/LibrarySql.h"
-#include "plclib/LibraryTree.h"
 #include "plclib/Migrate.h"
 #include "plclib/PlcLib.h"
 
@@ -91,10 +91,10 @@ int Load(const ParsedArgs& args, CPlcLib& lib) {
     return kExitOk;
 }
 
-void PrintLevel(const std::vector<plcdb::TreeNode>& nodes, int depth) {
-    for (const auto& node : nodes) {
-        std::printf("%*s%s\n", depth * 2, "", node.name.c_str());
-        PrintLevel(node.children, depth + 1);
+void PrintLevel(const dialog::TreeNode& node, int depth) {
+    std::printf("%*s%s\n", depth * 2, "", node.text.c_str());
+    for (const auto& child : node.children) {
+        PrintLevel(*child, depth + 1);
     }
 }
 
@@ -103,8 +103,10 @@ int RunTree(const ParsedArgs& args) {
     if (int code = Load(args, lib); code != kExitOk) {
         return code;
     }
-    std::printf("PLC\n");
-    PrintLevel(plcdb::BuildTree(lib.Entries()), 1);
+    dialog::TreeModel tree;
+    dialog::FillLibraryTree(tree, lib.Entries());
+    dialog::FillAllModules(tree, lib.Entries());
+    PrintLevel(*tree.Root(), 0);
     return kExitOk;
 }
 

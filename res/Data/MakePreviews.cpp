@@ -37,7 +37,7 @@ void FillSampleModule(CDlgPlcRendal& dlg, int orientation) {
     dlg.editModuleDesc = "8点数字量输入";
     dlg.editFrameNo = "1";
     dlg.editSlotNo = "2";
-    dlg.termList.rows.clear();
+    dlg.termList.Clear();
     const char* first = orientation == 0 ? "向上" : "     向右";
     const char* second = orientation == 0 ? "     向下" : "向左";
     for (int i = 0; i < 8; ++i) {

@@ -13,40 +13,6 @@ const std::vector<std::string> kTermColumns = {"端点序号", "端号", "端点
                                                "连线端点方向"};
 const std::vector<double> kTermShares = {1.8, 1.5, 2.0, 2.5, 2.5};
 
-// The path of names from the manufacturer down to `node` (empty for the levels below it).
-draw::LastSelection PathOf(const draw::TreeNode* node) {
-    draw::LastSelection path;
-    std::string* fields[] = {&path.manufacturer, &path.series, &path.type, &path.code};
-    for (; node != nullptr && node->Level() > 0; node = node->parent) {
-        if (node->Level() <= 4) {
-            *fields[node->Level() - 1] = node->text;
-        }
-    }
-    return path;
-}
-
-void InsertDistinct(draw::TreeModel& tree, draw::TreeNode* parent, const std::string& text,
-                    int image) {
-    if (text.empty()) {
-        return;
-    }
-    for (const auto& child : parent->children) {
-        if (child->text == text) {
-            return;
-        }
-    }
-    tree.Insert(parent, text, image);
-}
-
-draw::TreeNode* FindChild(draw::TreeNode* parent, const std::string& text) {
-    for (const auto& child : parent->children) {
-        if (child->text == text) {
-            return child.get();
-        }
-    }
-    return nullptr;
-}
-
 }  // namespace
 
 CDlgPlcRendal::CDlgPlcRendal() {
@@ -103,65 +69,26 @@ bool CDlgPlcRendal::DestroyWindow() {
 
 void CDlgPlcRendal::BuildTree() {
     tree.Clear();
-    draw::TreeNode* root = tree.InsertRoot("PLC", kImageRoot);
     if (!plcLib.LoadLibrary()) {
+        tree.InsertRoot("PLC", dialog::kImageRoot);
         libLoaded = false;
         return;
     }
     libLoaded = true;
-    for (const auto& entry : plcLib.Entries()) {
-        InsertDistinct(tree, root, entry->manufacturer, kImageManufacturer);
-        draw::TreeNode* maker = FindChild(root, entry->manufacturer);
-        if (maker == nullptr) {
-            continue;
-        }
-        InsertDistinct(tree, maker, entry->series, kImageSeries);
-        draw::TreeNode* series = FindChild(maker, entry->series);
-        if (series != nullptr) {
-            InsertDistinct(tree, series, entry->type, kImageType);
-        }
-    }
+    dialog::FillLibraryTree(tree, plcLib.Entries());
     RestoreLastSelection();
     focus = "tree";
 }
 
 void CDlgPlcRendal::RestoreLastSelection() {
-    lastSelection = draw::ReadLastSelection();
-    const std::string* levels[] = {&lastSelection.manufacturer, &lastSelection.series,
-                                   &lastSelection.type, &lastSelection.code};
-    draw::TreeNode* node = tree.Root();
-    draw::TreeNode* found = nullptr;
-    for (const std::string* name : levels) {
-        if (name->empty()) {
-            break;
-        }
-        if (node->Level() == 3) {
-            FillTypeModules(node);
-        }
-        draw::TreeNode* child = node->FindChildNoCase(*name);
-        if (child == nullptr) {
-            break;
-        }
-        node->expanded = true;
-        node = found = child;
-    }
-    if (found != nullptr) {
-        found->expanded = true;
+    lastSelection = dialog::ReadLastSelection();
+    if (dialog::TreeNode* found = dialog::DescendTo(tree, lastSelection, plcLib.Entries())) {
         SelectTreeNode(found);
     }
 }
 
-void CDlgPlcRendal::FillTypeModules(draw::TreeNode* typeNode) {
-    if (!typeNode->children.empty()) {
-        return;
-    }
-    const draw::LastSelection path = PathOf(typeNode);
-    for (const auto& entry : plcLib.Entries()) {
-        if (!entry->code.empty() && entry->manufacturer == path.manufacturer &&
-            entry->series == path.series && entry->type == path.type) {
-            tree.Insert(typeNode, entry->code, kImageModule);
-        }
-    }
+void CDlgPlcRendal::FillTypeModules(dialog::TreeNode* typeNode) {
+    dialog::FillTypeModules(tree, typeNode, plcLib.Entries());
 }
 
 CPlcPartData* CDlgPlcRendal::FindModule(std::string_view manufacturer, std::string_view series,
@@ -180,12 +107,12 @@ void CDlgPlcRendal::ShowModule(const CPlcPartData& module) {
         {module.code, module.points, module.moduleType, module.description, module.rating});
 }
 
-void CDlgPlcRendal::SelectTreeNode(draw::TreeNode* node) {
+void CDlgPlcRendal::SelectTreeNode(dialog::TreeNode* node) {
     if (node == nullptr) {
         return;
     }
     tree.Select(node);
-    const draw::LastSelection path = PathOf(node);
+    const dialog::LastSelection path = dialog::PathOf(node);
     lastSelection = path;
     manufacturerInfo.manufacturer = path.manufacturer;
     manufacturerInfo.series = path.series;
@@ -263,7 +190,7 @@ void CDlgPlcRendal::SelectModuleRow(int row) {
 
 bool CDlgPlcRendal::SelectModulePath(std::string_view manufacturer, std::string_view series,
                                      std::string_view type, std::string_view code) {
-    draw::TreeNode* node = tree.Root();
+    dialog::TreeNode* node = tree.Root();
     const std::string_view levels[] = {manufacturer, series, type, code};
     for (std::string_view name : levels) {
         if (node == nullptr) {
@@ -272,8 +199,8 @@ bool CDlgPlcRendal::SelectModulePath(std::string_view manufacturer, std::string_
         if (node->Level() == 3) {
             FillTypeModules(node);
         }
-        node->expanded = true;
-        node = FindChild(node, std::string(name));
+        tree.Expand(node);
+        node = dialog::FindChildExact(node, name);
     }
     if (node == nullptr) {
         return false;

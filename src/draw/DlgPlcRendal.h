@@ -14,8 +14,9 @@
 #include <vector>
 
 #include "cad/Handle.h"
-#include "draw/Controls.h"
-#include "draw/LastSelection.h"
+#include "dialog/Controls.h"
+#include "dialog/LastSelection.h"
+#include "dialog/LibraryTree.h"
 #include "draw/settings/PLCSettingSheetDlg.h"
 #include "draw/settings/PlcDrawSettings.h"
 #include "plclib/PlcLib.h"
@@ -32,9 +33,6 @@ inline constexpr std::string_view kDirRightNewRow = "    向右";  // new rows w
 enum TermColumn { kColSequence = 0, kColTermValue, kColTermDesc, kColDetailDesc, kColDirection };
 // Module-list columns.
 enum ModuleColumn { kColCode = 0, kColPoints, kColType, kColDescription, kColRating };
-
-// Tree node images.
-enum TreeImage { kImageManufacturer = 1, kImageSeries, kImageType, kImageModule, kImageRoot = 6 };
 
 // Terminal-list state images: 1 and 4 mark a terminal as drawn, 0 and 3 do not, 2 is left
 // alone by clicks and counts as drawn.
@@ -77,7 +75,7 @@ public:
     int termDirChoice = 0;  // last pattern of the terminal menu, 0..5 (menu id - 101)
     int matchMode = 0;  // 0 前端位置匹配 (code begins with), 1 全字位置匹配 (code contains)
     std::string searchText;
-    draw::LastSelection lastSelection;
+    dialog::LastSelection lastSelection;
     std::string horPreviewPath;  // common folder + "Data/PlcHor.dxf"
     std::string verPreviewPath;  // common folder + "Data/PlcVer.dxf"
     bool drawPending = false;
@@ -93,9 +91,9 @@ public:
     cad::Handle labelId = cad::kNullHandle;  // the device label of the module being drawn
 
     // --- controls ------------------------------------------------------------------------
-    draw::TreeModel tree;
-    draw::ListModel moduleList;  // 模块代号, 通道数, 类型, 描述, 额定值
-    draw::ListModel termList;  // 端点序号, 端号, 端点描述, 端点详细描述, 连线端点方向
+    dialog::TreeModel tree;
+    dialog::ListModel moduleList;  // 模块代号, 通道数, 类型, 描述, 额定值
+    dialog::ListModel termList;  // 端点序号, 端号, 端点描述, 端点详细描述, 连线端点方向
     std::string editTag;            // 标号
     std::string editFrameNo;        // 框架号
     std::string editSlotNo;         // 槽号
@@ -121,7 +119,7 @@ public:
     std::function<void(CDlgPlcRendal*)> onClosed;
     // Shows the settings sheet modally and says whether it was closed with OK; a view (or a
     // test) supplies it. Without one the sheet counts as cancelled.
-    ModalRunner<CPLCSettingSheetDlg> settingsSheetRunner;
+    dialog::ModalRunner<CPLCSettingSheetDlg> settingsSheetRunner;
 
     // --- lifecycle -----------------------------------------------------------------------
     // Creates the window hidden: opens the library (false, and the dialog is cancelled, when
@@ -137,7 +135,7 @@ public:
     bool DestroyWindow();
 
     // --- user actions --------------------------------------------------------------------
-    void SelectTreeNode(draw::TreeNode* node);
+    void SelectTreeNode(dialog::TreeNode* node);
     void SelectModuleRow(int row);
     // A click in the terminal list at horizontal offset `x` inside the list.
     void OnTermListClick(int x);
@@ -170,7 +168,7 @@ public:
 private:
     void BuildTree();
     void RestoreLastSelection();
-    void FillTypeModules(draw::TreeNode* typeNode);
+    void FillTypeModules(dialog::TreeNode* typeNode);
     void ShowModule(const CPlcPartData& module);
     CPlcPartData* FindModule(std::string_view manufacturer, std::string_view series,
                              std::string_view type, std::string_view code);
@@ -178,7 +176,6 @@ private:
     void FlipSelectedRows();
     bool PrepareDraw();
     void RequestDraw(std::string_view command);
-    draw::TreeNode* SearchFrom(draw::TreeNode* start);
-    draw::TreeNode* SearchSubtree(draw::TreeNode* node);
+    dialog::TreeNode* SearchFrom(dialog::TreeNode* start);
     bool MatchesSearch(const std::string& code) const;
 };

@@ -66,8 +66,8 @@ void CDlgPlcRendal::FillLocation() {
 }
 
 void CDlgPlcRendal::SaveLastSelection() {
-    if (!draw::WriteLastSelection(lastSelection)) {
-        host::Print("\n无法写入文件" + draw::LastSelectionPath() + "\n");
+    if (!dialog::WriteLastSelection(lastSelection)) {
+        host::Print("\n无法写入文件" + dialog::LastSelectionPath() + "\n");
     }
 }
 
@@ -82,7 +82,9 @@ void CDlgPlcRendal::OnRefresh() {
 }
 
 void CDlgPlcRendal::OnSettings() {
-    const ModalRunner<CPLCSettingSheetDlg> cancelled = [](CPLCSettingSheetDlg&) { return false; };
+    const dialog::ModalRunner<CPLCSettingSheetDlg> cancelled = [](CPLCSettingSheetDlg&) {
+        return false;
+    };
     RunPlcSettingSheet(*this, settingsSheetRunner ? settingsSheetRunner : cancelled);
 }
 

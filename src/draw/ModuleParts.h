@@ -14,9 +14,13 @@
 
 class CDlgPlcRendal;
 
+namespace dialog {
+class ListModel;
+}
+
 namespace draw {
 
-class ListModel;
+using dialog::ListModel;
 
 // The decimal angles the drawings use: shortened multiples of pi, kept as they are so that
 // drawings compare equal with those the suite has always produced.

@@ -390,3 +390,19 @@ bool CPlcLib::ShiftSequences(const std::string& table, const std::string& code,
     }
     return true;
 }
+
+namespace plcdb {
+
+const CPlcPartData* FindModule(const std::vector<std::unique_ptr<CPlcPartData>>& entries,
+                               std::string_view manufacturer, std::string_view series,
+                               std::string_view type, std::string_view code) {
+    for (const auto& entry : entries) {
+        if (entry->manufacturer == manufacturer && entry->series == series && entry->type == type &&
+            entry->code == code && !code.empty()) {
+            return entry.get();
+        }
+    }
+    return nullptr;
+}
+
+}  // namespace plcdb

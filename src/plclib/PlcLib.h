@@ -33,6 +33,11 @@ bool CheckValues(std::initializer_list<std::string_view> values);
 // The same test without a message.
 bool HasQuote(std::string_view value);
 
+// The entry of module (manufacturer, series, type, code), compared as stored; null if none.
+const CPlcPartData* FindModule(const std::vector<std::unique_ptr<CPlcPartData>>& entries,
+                               std::string_view manufacturer, std::string_view series,
+                               std::string_view type, std::string_view code);
+
 // The relative path of the library in the local installation folder.
 inline constexpr const char* kLibraryRelativePath = "PLC/QvPLC.db";
 

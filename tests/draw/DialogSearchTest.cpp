@@ -9,10 +9,10 @@ using dialog_test::DialogEnvironment;
 
 namespace {
 
-draw::TreeNode* Node(CDlgPlcRendal& dlg, std::initializer_list<std::string> path) {
-    draw::TreeNode* node = dlg.tree.Root();
+dialog::TreeNode* Node(CDlgPlcRendal& dlg, std::initializer_list<std::string> path) {
+    dialog::TreeNode* node = dlg.tree.Root();
     for (const std::string& name : path) {
-        draw::TreeNode* next = node->FindChildNoCase(name);
+        dialog::TreeNode* next = node->FindChildNoCase(name);
         if (next == nullptr) {
             ADD_FAILURE() << "no node " << name;
             return node;
@@ -30,7 +30,7 @@ class SearchTest : public ::testing::Test {
 protected:
     void SetUp() override { dlg = env.OpenDialog(); }
     // Selects `start` (nothing when null), searches `text` and returns what got selected.
-    std::string SearchFrom(draw::TreeNode* start, const std::string& text, int mode) {
+    std::string SearchFrom(dialog::TreeNode* start, const std::string& text, int mode) {
         dlg->tree.Select(start);
         dlg->OnMatchMode(mode);
         dlg->editSearch = text;
@@ -99,7 +99,7 @@ TEST_F(SearchTest, PrefixModeAndContainsModeDiffer) {
 }
 
 TEST_F(SearchTest, WalkFillsTypesWithModuleNodesOnlyAsFarAsItGoes) {
-    draw::TreeNode* mix = Node(*dlg, {"Beta", "B1", "MIX"});
+    dialog::TreeNode* mix = Node(*dlg, {"Beta", "B1", "MIX"});
     EXPECT_EQ(SearchFrom(nullptr, "DI-32", 0), "DI-32B");
     EXPECT_TRUE(Node(*dlg, {"Alpha", "S1", "DO"})->children.empty());
     EXPECT_TRUE(mix->children.empty());

@@ -11,7 +11,7 @@ using testing_support::WriteFile;
 
 namespace {
 
-std::vector<std::string> ChildTexts(const draw::TreeNode* node) {
+std::vector<std::string> ChildTexts(const dialog::TreeNode* node) {
     std::vector<std::string> texts;
     for (const auto& child : node->children) {
         texts.push_back(child->text);
@@ -19,7 +19,7 @@ std::vector<std::string> ChildTexts(const draw::TreeNode* node) {
     return texts;
 }
 
-draw::TreeNode* Child(draw::TreeNode* node, const std::string& text) {
+dialog::TreeNode* Child(dialog::TreeNode* node, const std::string& text) {
     for (const auto& child : node->children) {
         if (child->text == text) {
             return child.get();
@@ -29,7 +29,7 @@ draw::TreeNode* Child(draw::TreeNode* node, const std::string& text) {
     return nullptr;
 }
 
-std::string Path(const draw::TreeNode* node) {
+std::string Path(const dialog::TreeNode* node) {
     std::string path;
     for (; node != nullptr; node = node->parent) {
         path = node->text + (path.empty() ? "" : "/" + path);
@@ -43,17 +43,17 @@ TEST(DialogTree, BuildsManufacturerSeriesTypeLevelsInLoadOrder) {
     DialogEnvironment env;
     auto dlg = env.OpenDialog();
     ASSERT_TRUE(dlg->libLoaded);
-    draw::TreeNode* root = dlg->tree.Root();
+    dialog::TreeNode* root = dlg->tree.Root();
     ASSERT_NE(root, nullptr);
     EXPECT_EQ(root->text, "PLC");
     EXPECT_EQ(ChildTexts(root), (std::vector<std::string>{"Alpha", "Beta", "Gamma"}));
-    draw::TreeNode* alpha = Child(root, "Alpha");
-    EXPECT_EQ(alpha->image, kImageManufacturer);
+    dialog::TreeNode* alpha = Child(root, "Alpha");
+    EXPECT_EQ(alpha->image, dialog::kImageManufacturer);
     EXPECT_EQ(ChildTexts(alpha), (std::vector<std::string>{"S1", "S2"}));
-    draw::TreeNode* s1 = Child(alpha, "S1");
-    EXPECT_EQ(s1->image, kImageSeries);
+    dialog::TreeNode* s1 = Child(alpha, "S1");
+    EXPECT_EQ(s1->image, dialog::kImageSeries);
     EXPECT_EQ(ChildTexts(s1), (std::vector<std::string>{"DI", "DO"}));
-    EXPECT_EQ(Child(s1, "DI")->image, kImageType);
+    EXPECT_EQ(Child(s1, "DI")->image, dialog::kImageType);
     // Module nodes appear only when a type is first selected or searched.
     EXPECT_TRUE(Child(s1, "DI")->children.empty());
     EXPECT_EQ(ChildTexts(Child(root, "Beta")), (std::vector<std::string>{"B1", "B2"}));
@@ -112,7 +112,7 @@ TEST(DialogTree, RestoreStopsAtTheFirstLevelNotFound) {
 TEST(DialogTree, ManufacturerSelectionShowsItsShortNameOrNone) {
     DialogEnvironment env;
     auto dlg = env.OpenDialog();
-    draw::TreeNode* root = dlg->tree.Root();
+    dialog::TreeNode* root = dlg->tree.Root();
     dlg->SelectTreeNode(Child(root, "Alpha"));
     EXPECT_EQ(dlg->selectionText, "厂家名:Alpha 厂家简称:ALP");
     EXPECT_EQ(dlg->editShortName, "ALP");
@@ -126,14 +126,14 @@ TEST(DialogTree, ManufacturerSelectionShowsItsShortNameOrNone) {
 TEST(DialogTree, TypeSelectionFillsTheModuleListAndInsertsModuleNodesOnce) {
     DialogEnvironment env;
     auto dlg = env.OpenDialog();
-    draw::TreeNode* di = Child(Child(Child(dlg->tree.Root(), "Alpha"), "S1"), "DI");
+    dialog::TreeNode* di = Child(Child(Child(dlg->tree.Root(), "Alpha"), "S1"), "DI");
     dlg->SelectTreeNode(di);
     EXPECT_EQ(dlg->selectionText, "厂家:Alpha 系列:S1 系列类型:DI");
     ASSERT_EQ(dlg->moduleList.Count(), 2);
-    EXPECT_EQ(dlg->moduleList.rows[0].cells,
+    EXPECT_EQ(dlg->moduleList.Row(0).cells,
               (std::vector<std::string>{"DI-16A", "16", "DI", "数字量输入", "24VDC"}));
     EXPECT_EQ(ChildTexts(di), (std::vector<std::string>{"DI-16A", "DI-32B"}));
-    EXPECT_EQ(di->children[0]->image, kImageModule);
+    EXPECT_EQ(di->children[0]->image, dialog::kImageModule);
     EXPECT_EQ(dlg->termList.Count(), 0);
 
     dlg->SelectTreeNode(di);  // a second selection adds no duplicate nodes
@@ -150,9 +150,9 @@ TEST(DialogTree, ModuleRowSelectionLoadsMarkedTerminalRows) {
     EXPECT_EQ(dlg->editModuleCode, "DI-16A");
     EXPECT_EQ(dlg->editModuleDesc, "数字量输入");
     ASSERT_EQ(dlg->termList.Count(), 7);
-    EXPECT_EQ(dlg->termList.rows[2].cells,
+    EXPECT_EQ(dlg->termList.Row(2).cells,
               (std::vector<std::string>{"3", "13", "I0.3", "通道3", "向上"}));
-    for (const auto& row : dlg->termList.rows) {
+    for (const auto& row : dlg->termList.Rows()) {
         EXPECT_EQ(row.stateImage, kMarkOn);
     }
     dlg->SelectModuleRow(1);  // the list is emptied before the next module fills it

@@ -40,7 +40,7 @@ std::unique_ptr<CDlgPlcRendal> DrawingEnvironment::MakeDialog(int type, int orie
     dlg->editFrameNo = "1";
     dlg->editSlotNo = "3";
     dlg->editLocation = "+CP1";
-    dlg->termList.rows.clear();
+    dlg->termList.Clear();
     int sequence = 1;
     for (const Row& row : rows) {
         dlg->termList.AddRow({std::to_string(sequence++), row.number, row.desc, "", row.side},

@@ -40,7 +40,7 @@ void CDlgDrawSet::OnSelectDirection(int index) {
     }
 }
 
-bool CDlgDrawSet::OnChooseSymbol(const ModalRunner<CDlgSelectDz>& runChooser) {
+bool CDlgDrawSet::OnChooseSymbol(const dialog::ModalRunner<CDlgSelectDz>& runChooser) {
     CDlgSelectDz chooser;
     if (!runChooser || !runChooser(chooser)) {
         return false;

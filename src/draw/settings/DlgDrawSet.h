@@ -8,7 +8,7 @@
 #include <string>
 
 #include "draw/settings/DlgSelectDz.h"
-#include "draw/settings/ModalRunner.h"
+#include "dialog/ModalRunner.h"
 
 class CDlgDrawSet {
 public:
@@ -33,7 +33,7 @@ public:
     void OnSelectDirection(int index);
     // ">>" or a double-click in the preview: the chooser; on its OK the chosen symbol replaces
     // the current one and is measured. True when a symbol was chosen.
-    bool OnChooseSymbol(const ModalRunner<CDlgSelectDz>& runChooser);
+    bool OnChooseSymbol(const dialog::ModalRunner<CDlgSelectDz>& runChooser);
     // Takes a chosen symbol as the chooser's OK hands it over.
     void TakeSymbol(const std::string& path, const std::string& name);
     // The checks (with their messages), then the short form of the settings file. True when

@@ -70,7 +70,7 @@ bool CPLCSettingSheetDlg::OnOK() {
                                            drawsettings::FullFormText(drawPage.formats, s));
 }
 
-bool RunPlcSettingSheet(PlcDrawSettings& settings, const ModalRunner<CPLCSettingSheetDlg>& runSheet,
+bool RunPlcSettingSheet(PlcDrawSettings& settings, const dialog::ModalRunner<CPLCSettingSheetDlg>& runSheet,
                         bool* fileWritten) {
     DocumentLock lock;
     CPLCSettingSheetDlg sheet(settings);

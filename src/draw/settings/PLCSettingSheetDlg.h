@@ -6,7 +6,7 @@
 #include <array>
 #include <string_view>
 
-#include "draw/settings/ModalRunner.h"
+#include "dialog/ModalRunner.h"
 #include "draw/settings/PlcDrawSettings.h"
 #include "draw/settings/SettingPages.h"
 
@@ -42,5 +42,5 @@ float FixedTermLength(std::string_view symbolName, float measured);
 // through `runSheet`, which returns true when the user closed it with OK; the sheet's OK is
 // then applied. True when the sheet was closed with OK; `fileWritten`, when given, says
 // whether the settings file was rewritten.
-bool RunPlcSettingSheet(PlcDrawSettings& settings, const ModalRunner<CPLCSettingSheetDlg>& runSheet,
+bool RunPlcSettingSheet(PlcDrawSettings& settings, const dialog::ModalRunner<CPLCSettingSheetDlg>& runSheet,
                         bool* fileWritten = nullptr);

@@ -54,7 +54,7 @@ void CDrawSettingDlg::TakeDrawSet(int format, const CDlgDrawSet& dialog) {
     spacingText = dialog.spacingText;
 }
 
-bool CDrawSettingDlg::OnTermSetting(int format, const ModalRunner<CDlgDrawSet>& runDialog) {
+bool CDrawSettingDlg::OnTermSetting(int format, const dialog::ModalRunner<CDlgDrawSet>& runDialog) {
     if (format < 1 || format > drawsettings::kFormatCount || !termButtonEnabled[Index(format)]) {
         return false;
     }

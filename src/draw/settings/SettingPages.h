@@ -6,7 +6,7 @@
 #include <string>
 
 #include "draw/settings/DlgDrawSet.h"
-#include "draw/settings/ModalRunner.h"
+#include "dialog/ModalRunner.h"
 #include "draw/settings/SettingsFile.h"
 
 // Page 绘制设置: the drawing format (格式1..格式3) and each format's terminal settings.
@@ -39,7 +39,7 @@ public:
     void TakeDrawSet(int format, const CDlgDrawSet& dialog);
     // Button 端子设置 of format `format` (only the selected format's button is enabled).
     // True when the sub-dialog was closed with OK.
-    bool OnTermSetting(int format, const ModalRunner<CDlgDrawSet>& runDialog);
+    bool OnTermSetting(int format, const dialog::ModalRunner<CDlgDrawSet>& runDialog);
 
 private:
     static int Index(int format);

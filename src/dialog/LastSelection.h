@@ -5,7 +5,7 @@
 
 #include <string>
 
-namespace draw {
+namespace dialog {
 
 struct LastSelection {
     std::string manufacturer;
@@ -27,4 +27,4 @@ LastSelection ReadLastSelection(const std::string& path = LastSelectionPath());
 bool WriteLastSelection(const LastSelection& selection,
                         const std::string& path = LastSelectionPath());
 
-}  // namespace draw
+}  // namespace dialog

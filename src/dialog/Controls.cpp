@@ -1,9 +1,9 @@
-#include "draw/Controls.h"
+#include "dialog/Controls.h"
 
 #include <algorithm>
 #include <cctype>
 
-namespace draw {
+namespace dialog {
 
 namespace {
 
@@ -59,13 +59,15 @@ TreeNode* TreeNode::FindChildNoCase(std::string_view wanted) const {
 void TreeModel::Clear() {
     selected_ = nullptr;
     root_.reset();
+    changed.Emit(TreeChange::Nodes, nullptr);
 }
 
 TreeNode* TreeModel::InsertRoot(std::string text, int image) {
-    Clear();
+    selected_ = nullptr;
     root_ = std::make_unique<TreeNode>();
     root_->text = std::move(text);
     root_->image = image;
+    changed.Emit(TreeChange::Nodes, nullptr);
     return root_.get();
 }
 
@@ -75,7 +77,34 @@ TreeNode* TreeModel::Insert(TreeNode* parent, std::string text, int image) {
     node->image = image;
     node->parent = parent;
     parent->children.push_back(std::move(node));
+    changed.Emit(TreeChange::Nodes, parent);
     return parent->children.back().get();
+}
+
+void TreeModel::Remove(TreeNode* node) {
+    for (const TreeNode* up = selected_; up != nullptr; up = up->parent) {
+        if (up == node) {
+            Select(nullptr);
+            break;
+        }
+    }
+    if (node == root_.get()) {
+        Clear();
+        return;
+    }
+    TreeNode* parent = node->parent;
+    std::erase_if(parent->children, [node](const auto& child) { return child.get() == node; });
+    changed.Emit(TreeChange::Nodes, parent);
+}
+
+void TreeModel::SetText(TreeNode* node, std::string text) {
+    node->text = std::move(text);
+    changed.Emit(TreeChange::Nodes, node);
+}
+
+void TreeModel::Expand(TreeNode* node, bool expanded) {
+    node->expanded = expanded;
+    changed.Emit(TreeChange::Expansion, node);
 }
 
 void TreeModel::Select(TreeNode* node) {
@@ -86,6 +115,7 @@ void TreeModel::Select(TreeNode* node) {
     if (node != nullptr) {
         node->selected = true;
     }
+    changed.Emit(TreeChange::Selection, node);
 }
 
 int TreeModel::Count() const {
@@ -96,7 +126,7 @@ const std::string& ListModel::Text(int row, int column) const {
     if (row < 0 || row >= Count() || column < 0) {
         return kEmpty;
     }
-    const auto& cells = rows[row].cells;
+    const auto& cells = rows_[row].cells;
     return column < static_cast<int>(cells.size()) ? cells[column] : kEmpty;
 }
 
@@ -104,32 +134,59 @@ void ListModel::SetText(int row, int column, std::string text) {
     if (row < 0 || row >= Count() || column < 0) {
         return;
     }
-    auto& cells = rows[row].cells;
+    auto& cells = rows_[row].cells;
     if (column >= static_cast<int>(cells.size())) {
         cells.resize(column + 1);
     }
     cells[column] = std::move(text);
+    changed.Emit(ListChange::Rows, row);
 }
 
 int ListModel::StateImage(int row) const {
-    return row >= 0 && row < Count() ? rows[row].stateImage : 0;
+    return row >= 0 && row < Count() ? rows_[row].stateImage : 0;
 }
 
 void ListModel::SetStateImage(int row, int image) {
     if (row >= 0 && row < Count()) {
-        rows[row].stateImage = image;
+        rows_[row].stateImage = image;
+        changed.Emit(ListChange::Rows, row);
     }
 }
 
 int ListModel::AddRow(std::vector<std::string> cells, int stateImage) {
-    rows.push_back(ListRow{std::move(cells), stateImage, false});
-    return Count() - 1;
+    return InsertRow(Count(), std::move(cells), stateImage);
+}
+
+int ListModel::InsertRow(int row, std::vector<std::string> cells, int stateImage) {
+    if (row < 0 || row > Count()) {
+        row = Count();
+    }
+    rows_.insert(rows_.begin() + row, ListRow{std::move(cells), stateImage, false});
+    changed.Emit(ListChange::Rows, row);
+    return row;
+}
+
+void ListModel::RemoveRow(int row) {
+    if (row >= 0 && row < Count()) {
+        rows_.erase(rows_.begin() + row);
+        changed.Emit(ListChange::Rows, -1);
+    }
+}
+
+void ListModel::SetRows(std::vector<ListRow> rows) {
+    rows_ = std::move(rows);
+    changed.Emit(ListChange::Rows, -1);
+}
+
+void ListModel::Clear() {
+    rows_.clear();
+    changed.Emit(ListChange::Rows, -1);
 }
 
 std::vector<int> ListModel::SelectedRows() const {
     std::vector<int> selected;
     for (int i = 0; i < Count(); ++i) {
-        if (rows[i].selected) {
+        if (rows_[i].selected) {
             selected.push_back(i);
         }
     }
@@ -138,12 +195,12 @@ std::vector<int> ListModel::SelectedRows() const {
 
 int ListModel::SelectedCount() const {
     return static_cast<int>(
-        std::count_if(rows.begin(), rows.end(), [](const ListRow& row) { return row.selected; }));
+        std::count_if(rows_.begin(), rows_.end(), [](const ListRow& row) { return row.selected; }));
 }
 
 int ListModel::FirstSelected() const {
     for (int i = 0; i < Count(); ++i) {
-        if (rows[i].selected) {
+        if (rows_[i].selected) {
             return i;
         }
     }
@@ -152,24 +209,27 @@ int ListModel::FirstSelected() const {
 
 void ListModel::SelectOnly(int row) {
     for (int i = 0; i < Count(); ++i) {
-        rows[i].selected = (i == row);
+        rows_[i].selected = (i == row);
     }
+    changed.Emit(ListChange::Selection, row);
 }
 
 void ListModel::SetSelected(int row, bool selected) {
     if (row >= 0 && row < Count()) {
-        rows[row].selected = selected;
+        rows_[row].selected = selected;
+        changed.Emit(ListChange::Selection, row);
     }
 }
 
 void ListModel::SetColumns(const std::vector<std::string>& captions, int clientWidth,
                            const std::vector<double>& shares) {
     const int unit = clientWidth / 10;
-    columns.clear();
+    columns_.clear();
     for (size_t i = 0; i < captions.size(); ++i) {
         const double share = i < shares.size() ? shares[i] : 1.0;
-        columns.push_back(Column{captions[i], static_cast<int>(share * unit)});
+        columns_.push_back(Column{captions[i], static_cast<int>(share * unit)});
     }
+    changed.Emit(ListChange::Columns, -1);
 }
 
-}  // namespace draw
+}  // namespace dialog

@@ -6,5 +6,9 @@
 
 #include <functional>
 
+namespace dialog {
+
 template <class Dialog>
 using ModalRunner = std::function<bool(Dialog&)>;
+
+}  // namespace dialog

@@ -1,9 +1,9 @@
-#include "draw/LastSelection.h"
+#include "dialog/LastSelection.h"
 
 #include "files/TextFile.h"
 #include "host/SuiteServices.h"
 
-namespace draw {
+namespace dialog {
 
 std::string LastSelectionPath() {
     return suite::PathJoin(suite::GetZandrixLocalInstallPath(), "LocalData/PlcLibEdit.dat");
@@ -31,4 +31,4 @@ bool WriteLastSelection(const LastSelection& selection, const std::string& path)
     return files::WriteWhole(path, content, nullptr, options);
 }
 
-}  // namespace draw
+}  // namespace dialog
