@@ -220,7 +220,7 @@ int main(int argc, char** argv) {
             bench.database = &working;
             bench.nextX = 0;
             auto start = Clock::now();
-            if (!DrawFullSheet(dlg, working)) {
+            if (!DrawFullSheet(dlg, dlg.CurrentChoice(), working)) {
                 std::fprintf(stderr, "bench_draw: drawing failed\n");
                 return 1;
             }
@@ -260,18 +260,19 @@ int main(int argc, char** argv) {
 
     // A batch of modules drawn into one drawing at their points, then saved once.
     FillModule(dlg, 16);
+    draw::ModuleChoice choice = dlg.CurrentChoice();
     cad::Database batch;
     bench.database = &batch;
     const auto start = Clock::now();
     for (int i = 0; i < modules; ++i) {
-        dlg.editTag = "-A" + std::to_string(i + 1);
-        draw::DrawContext ctx(dlg, batch);
+        choice.tag = "-A" + std::to_string(i + 1);
+        draw::DrawContext ctx(dlg, choice, batch);
         ctx.origin = {200.0 * i, 0, 0};
         if (!draw::DrawWholeModule(ctx, false, true)) {
             std::fprintf(stderr, "bench_draw: drawing failed\n");
             return 1;
         }
-        draw::RecordModulePart(dlg, batch);
+        draw::RecordModulePart(dlg, choice, batch);
     }
     cad::WriteDxfFile(batch, (dir / "batch.dxf").string(), cad::DxfVersion::R2010);
     const double ours2 = Seconds(start);

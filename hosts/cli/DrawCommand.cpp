@@ -456,7 +456,7 @@ bool CheckPieceLengths(const CDlgPlcRendal& dlg, const DrawRequest& request) {
 
 // Says how many pieces the module needs when the given ones ran out before its terminals.
 void ReportMissingPieces(const CDlgPlcRendal& dlg, const DrawRequest& request) {
-    const draw::TermLists lists = draw::CollectDividedTerminals(dlg.termList);
+    const draw::TermLists lists = draw::CollectDividedTerminals(dlg.CurrentChoice());
     const long long longest =
         static_cast<long long>(std::max(lists.first.size(), lists.second.size()));
     const std::size_t given = request.points.size() / 2;

@@ -58,7 +58,7 @@ bool WritePreview(const Preview& preview, const std::filesystem::path& symbols,
     dlg.typeWidth = 10.0f;
     FillSampleModule(dlg, preview.orientation);
     cad::Database db;
-    if (!DrawModule(dlg, db, 0)) {
+    if (!DrawModule(dlg, dlg.CurrentChoice(), db, 0)) {
         std::fprintf(stderr, "qv_make_previews: cannot draw %s\n", preview.file);
         return false;
     }

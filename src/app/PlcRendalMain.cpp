@@ -96,10 +96,10 @@ void RunDrawingCommand(SheetDraw drawing) {
 }
 
 void DrawWholeSheet(CDlgPlcRendal& dlg, cad::Database& db) {
-    DrawFullSheet(dlg, db);
+    DrawFullSheet(dlg, dlg.CurrentChoice(), db);
 }
 void DrawInPieces(CDlgPlcRendal& dlg, cad::Database& db) {
-    DrawDivided(dlg, db);
+    DrawDivided(dlg, dlg.CurrentChoice(), db);
 }
 
 }  // namespace

@@ -32,13 +32,13 @@ struct DividedState {
     bool Done() const { return next[0] >= lists.first.size() && next[1] >= lists.second.size(); }
 };
 
-double PieceLength(const CDlgPlcRendal& dlg, const Piece& piece) {
-    return dlg.orientation != 0 ? piece.start.y - piece.end.y : piece.end.x - piece.start.x;
+double PieceLength(const ModuleChoice& choice, const Piece& piece) {
+    return choice.orientation != 0 ? piece.start.y - piece.end.y : piece.end.x - piece.start.x;
 }
 
 // Asks for the end point of a piece until it lies far enough along the axis. False when
 // the user cancels (or, at the second prompt, gives anything but a point).
-bool AskEndPoint(const CDlgPlcRendal& dlg, Piece& piece) {
+bool AskEndPoint(const DrawContext& ctx, Piece& piece) {
     host::IHost& host = host::Current();
     host::InputStatus status = host::InputStatus::Cancel;
     for (int attempt = 0; attempt < kMaxPromptAttempts; ++attempt) {
@@ -50,8 +50,8 @@ bool AskEndPoint(const CDlgPlcRendal& dlg, Piece& piece) {
     if (status != host::InputStatus::Normal) {
         return false;
     }
-    const double minimum = 2.0 * dlg.termSpacing + 5.0;
-    while (PieceLength(dlg, piece) <= minimum) {
+    const double minimum = 2.0 * ctx.settings.termSpacing + 5.0;
+    while (PieceLength(ctx.choice, piece) <= minimum) {
         if (host.GetPoint("\n结束点位置不对，请重新指定:", &piece.start, piece.end) !=
             host::InputStatus::Normal) {
             return false;
@@ -61,14 +61,14 @@ bool AskEndPoint(const CDlgPlcRendal& dlg, Piece& piece) {
 }
 
 // Terminal places in a piece: one pitch is kept free at its start.
-std::size_t PlacesInPiece(const CDlgPlcRendal& dlg, const Piece& piece, const DividedState& state) {
-    const double p = dlg.termSpacing;
+std::size_t PlacesInPiece(const DrawContext& ctx, const Piece& piece, const DividedState& state) {
+    const double p = ctx.settings.termSpacing;
     const std::size_t remaining = std::max(state.lists.first.size() - state.next[0],
                                            state.lists.second.size() - state.next[1]);
     if (!(p > 0)) {
         return remaining;
     }
-    const double k = std::floor((PieceLength(dlg, piece) - p) / p);
+    const double k = std::floor((PieceLength(ctx.choice, piece) - p) / p);
     if (k < 1) {
         return 0;
     }
@@ -78,10 +78,10 @@ std::size_t PlacesInPiece(const CDlgPlcRendal& dlg, const Piece& piece, const Di
 // Draws up to `places` terminals of one list along its edge; returns the run (count x p).
 double DrawRun(DrawContext& ctx, const std::vector<int>& rows, std::size_t& next,
                std::size_t places, bool firstList) {
-    const CDlgPlcRendal& dlg = ctx.dlg;
-    const double H = dlg.typeWidth, p = dlg.termSpacing;
-    const bool vertical = dlg.orientation != 0;
-    const TermStyle style = TermStyleFor(dlg.componentType);
+    const PlcDrawSettings& settings = ctx.settings;
+    const double H = settings.typeWidth, p = settings.termSpacing;
+    const bool vertical = ctx.choice.orientation != 0;
+    const TermStyle style = TermStyleFor(settings.componentType);
     const Side side =
         vertical ? (firstList ? Side::Right : Side::Left) : (firstList ? Side::Upper : Side::Lower);
     std::size_t count = 0;
@@ -110,8 +110,8 @@ void PrintCorner(const char* format, const cad::Point3d& point) {
 // A horizontal piece has the same brackets with the axes exchanged: the upper end follows
 // the first (upper) list and the lower end the second, as on the whole module.
 void CloseBrackets(DrawContext& ctx, double r1, double r2) {
-    const double H = ctx.dlg.typeWidth, p = ctx.dlg.termSpacing;
-    if (ctx.dlg.orientation == 0) {
+    const double H = ctx.settings.typeWidth, p = ctx.settings.termSpacing;
+    if (ctx.choice.orientation == 0) {
         const double xe = p / 2 + std::max(r1, r2) + p / 2;
         AddOutline(ctx, {{p / 2, 0}, {0, 0}, {0, -H}, {p / 2, -H}}, false);
         AddOutline(ctx, {{p / 2 + r1, 0}, {xe, 0}, {xe, -H}, {p / 2 + r2, -H}}, false);
@@ -121,7 +121,7 @@ void CloseBrackets(DrawContext& ctx, double r1, double r2) {
     const cad::Point3d lu{-H, -p / 2 - r1}, ld{-H, yb}, rd{0, yb}, ru{0, -p / 2 - r2};
     AddOutline(ctx, {{-H, -p / 2}, {-H, 0}, {0, 0}, {0, -p / 2}}, false);
     AddOutline(ctx, {lu, ld, rd, ru}, false);
-    if (ctx.dlg.componentType == 3) {
+    if (ctx.settings.componentType == 3) {
         host::IHost& host = host::Current();
         PrintCorner("\nLU:(%0.2f,%0.2f)\n", host.UcsToWcs(ctx.At(lu.x, lu.y)));
         PrintCorner("\nLD:(%0.2f,%0.2f)\n", host.UcsToWcs(ctx.At(ld.x, ld.y)));
@@ -136,16 +136,16 @@ bool DrawPiece(DrawContext& ctx, DividedState& state, bool& cancelled) {
     CDlgPlcRendal& dlg = ctx.dlg;
     Piece piece;
     cancelled = true;
-    if (!WriteModulePreview(dlg, 1) || !DragPlaceModule(dlg, piece.start, 1)) {
+    if (!WriteModulePreview(dlg, ctx.choice, 1) || !DragPlaceModule(dlg, piece.start, 1)) {
         return false;
     }
-    if (!AskEndPoint(dlg, piece)) {
+    if (!AskEndPoint(ctx, piece)) {
         cadutil::EraseObject(&ctx.db, dlg.placedRefId);
         return false;
     }
     cancelled = false;
     cadutil::EraseObject(&ctx.db, dlg.placedRefId);
-    const std::size_t places = PlacesInPiece(dlg, piece, state);
+    const std::size_t places = PlacesInPiece(ctx, piece, state);
     if (places < 1) {
         return false;
     }
@@ -166,12 +166,12 @@ bool DrawPiece(DrawContext& ctx, DividedState& state, bool& cancelled) {
 
 }  // namespace draw
 
-bool DrawDivided(CDlgPlcRendal& dlg, cad::Database& db) {
+bool DrawDivided(CDlgPlcRendal& dlg, const draw::ModuleChoice& choice, cad::Database& db) {
     draw::DrawingSession session(dlg);
-    draw::DrawContext ctx(dlg, db);
+    draw::DrawContext ctx(dlg, choice, db);
     ctx.divided = true;
     draw::DividedState state;
-    state.lists = draw::CollectDividedTerminals(dlg.termList);
+    state.lists = draw::CollectDividedTerminals(choice);
     if (!draw::OpenDrawContext(ctx) || !draw::LoadSymbolBlock(ctx)) {
         dlg.drawActive = 0;
         return false;
@@ -187,7 +187,7 @@ bool DrawDivided(CDlgPlcRendal& dlg, cad::Database& db) {
         }
     }
     if (dlg.autoDetail || dlg.autoDetailModel) {
-        draw::RecordModulePart(dlg, db);
+        draw::RecordModulePart(dlg, choice, db);
     }
     dlg.drawFinished = 1;
     dlg.drawActive = 0;

@@ -17,6 +17,7 @@
 #include "dialog/Controls.h"
 #include "dialog/LastSelection.h"
 #include "dialog/LibraryTree.h"
+#include "draw/ModuleChoice.h"
 #include "draw/settings/PLCSettingSheetDlg.h"
 #include "draw/settings/PlcDrawSettings.h"
 #include "plclib/PlcLib.h"
@@ -164,6 +165,10 @@ public:
     void ApplyDirectionPattern(int choice);
     // Fills 安装位置 from the location stored in the current drawing's saved file.
     void FillLocation();
+    // What the draw buttons would draw now: the module and header texts from the fields, the
+    // terminals from the list (marked unless their state image is 0 or 3, each on the side
+    // its direction text names), the pattern and the orientation.
+    draw::ModuleChoice CurrentChoice() const;
 
 private:
     void BuildTree();

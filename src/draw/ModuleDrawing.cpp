@@ -21,9 +21,9 @@ inline constexpr int kMaxDragAttempts = 100;
 namespace {
 
 void DrawOutlineLine(DrawContext& ctx) {
-    const double H = ctx.dlg.typeWidth;
+    const double H = ctx.settings.typeWidth;
     auto line = std::make_unique<cad::Line>();
-    if (ctx.dlg.orientation != 0) {
+    if (ctx.choice.orientation != 0) {
         line->start = ctx.At(0, 0);
         line->end = ctx.At(-H, 0);
     } else {
@@ -38,12 +38,12 @@ void DrawOutlineLine(DrawContext& ctx) {
 // style: an opening and a closing bracket half a pitch beyond the first and last cells; on
 // the vertical module they are the horizontal brackets turned down the -Y axis.
 void DrawOutline(DrawContext& ctx, const TermLists& lists) {
-    const int type = ctx.dlg.componentType;
-    const double H = ctx.dlg.typeWidth, p = ctx.dlg.termSpacing;
+    const int type = ctx.settings.componentType;
+    const double H = ctx.settings.typeWidth, p = ctx.settings.termSpacing;
     const double u = static_cast<double>(lists.first.size());
     const double l = static_cast<double>(lists.second.size());
     const double n = std::max(u, l);
-    const bool vertical = ctx.dlg.orientation != 0;
+    const bool vertical = ctx.choice.orientation != 0;
     if (type == 1 || type == 2) {
         if (vertical) {
             AddOutline(ctx, {{-H, -n * p}, {0, -n * p}, {0, 0}, {-H, 0}}, true);
@@ -65,10 +65,10 @@ void DrawOutline(DrawContext& ctx, const TermLists& lists) {
 
 // Terminal k of a side: frame styles half a pitch in from the end, cells a whole pitch.
 void DrawTerminals(DrawContext& ctx, const TermLists& lists) {
-    const TermStyle style = TermStyleFor(ctx.dlg.componentType);
-    const double H = ctx.dlg.typeWidth, p = ctx.dlg.termSpacing;
+    const TermStyle style = TermStyleFor(ctx.settings.componentType);
+    const double H = ctx.settings.typeWidth, p = ctx.settings.termSpacing;
     const double start = style == TermStyle::Cell ? p : p / 2;
-    const bool vertical = ctx.dlg.orientation != 0;
+    const bool vertical = ctx.choice.orientation != 0;
     for (std::size_t k = 0; k < lists.first.size(); ++k) {
         const double along = static_cast<double>(k) * p + start;
         const cad::Point3d at = vertical ? cad::Point3d{0, -along, 0} : cad::Point3d{along, 0, 0};
@@ -119,12 +119,12 @@ bool DrawWholeModule(DrawContext& ctx, bool outlineOnly, bool detailLinks) {
         return false;
     }
     DrawHeader(ctx, detailLinks);
-    const TermLists lists = CollectModuleTerminals(ctx.dlg.termList, ctx.dlg.orientation);
+    const TermLists lists = CollectModuleTerminals(ctx.choice);
     if (outlineOnly) {
         DrawOutlineLine(ctx);
         return true;
     }
-    const int type = ctx.dlg.componentType;
+    const int type = ctx.settings.componentType;
     if (type < 1 || type > 3) {
         return true;
     }
@@ -139,16 +139,17 @@ bool DrawWholeModule(DrawContext& ctx, bool outlineOnly, bool detailLinks) {
 
 }  // namespace draw
 
-bool DrawModule(CDlgPlcRendal& dlg, cad::Database& db, int outlineOnly) {
-    draw::DrawContext ctx(dlg, db);
+bool DrawModule(CDlgPlcRendal& dlg, const draw::ModuleChoice& choice, cad::Database& db,
+                int outlineOnly) {
+    draw::DrawContext ctx(dlg, choice, db);
     return draw::DrawWholeModule(ctx, outlineOnly != 0, false);
 }
 
-int WriteModulePreview(CDlgPlcRendal& dlg, int outlineOnly) {
+int WriteModulePreview(CDlgPlcRendal& dlg, const draw::ModuleChoice& choice, int outlineOnly) {
     auto side = std::make_unique<cad::Database>();
     // A drawing that fails has said why and cleared drawActive; what it drew is still the
     // preview the user places.
-    DrawModule(dlg, *side, outlineOnly);
+    DrawModule(dlg, choice, *side, outlineOnly);
     cad::ExplodeAllReferences(*side);
     const std::string path = draw::PreviewPath();
     std::string text, error;

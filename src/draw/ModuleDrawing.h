@@ -1,5 +1,5 @@
-// Drawing one PLC I/O module from the drawing dialog's state: the header (device label and
-// data lines), the outline, one terminal symbol per chosen terminal with its number and
+// Drawing one PLC I/O module from a module choice and the drawing settings: the header (device
+// label and data lines), the outline, one terminal symbol per chosen terminal with its number and
 // description texts, and the extended-data links that tie them together:
 //
 //   terminal symbol reference  QV_SYMB2_TERM_TEXT_1      "1", number text
@@ -17,6 +17,7 @@
 
 #include "cad/Database.h"
 #include "cad/Geometry.h"
+#include "draw/ModuleChoice.h"
 
 class CDlgPlcRendal;
 
@@ -39,16 +40,18 @@ inline constexpr const char* kPreviewBlock = "Temp_PlcDraw_Block";
 
 }  // namespace draw
 
-// Draws the module chosen in `dlg` into `db`'s model space with its origin at (0, 0). A
-// non-zero `outlineOnly` draws the header and one edge line only. On failure (no current
-// text style, symbol drawing unreadable or not insertable) `dlg.drawActive` is cleared, what
-// was appended stays, and the result is false; on success drawActive is left as it was.
-bool DrawModule(CDlgPlcRendal& dlg, cad::Database& db, int outlineOnly);
+// Draws `choice` with `dlg`'s drawing settings into `db`'s model space with its origin at
+// (0, 0). A non-zero `outlineOnly` draws the header and one edge line only. On failure (no
+// current text style, symbol drawing unreadable or not insertable) `dlg.drawActive` is
+// cleared, what was appended stays, and the result is false; on success drawActive is left as
+// it was.
+bool DrawModule(CDlgPlcRendal& dlg, const draw::ModuleChoice& choice, cad::Database& db,
+                int outlineOnly);
 
 // Draws the module into a new side database, explodes its block references so that only
 // plain geometry remains, and saves it as Temp/PlcDraw.dxf in the host's save format.
 // Returns 1, or 0 when the drawing failed or the file could not be written.
-int WriteModulePreview(CDlgPlcRendal& dlg, int outlineOnly);
+int WriteModulePreview(CDlgPlcRendal& dlg, const draw::ModuleChoice& choice, int outlineOnly);
 
 // Inserts Temp/PlcDraw.dxf into the host's working drawing as block "Temp_PlcDraw_Block" and
 // lets the user drag a reference of it into place. Returns 1 with the picked point in `out`,

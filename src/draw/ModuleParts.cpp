@@ -18,10 +18,6 @@
 namespace draw {
 namespace {
 
-bool Contains(const std::string& text, std::string_view part) {
-    return text.find(part) != std::string::npos;
-}
-
 // The outward normal of a side: the direction a terminal's lead leaves the body.
 cad::Vector3d Outward(Side side) {
     switch (side) {
@@ -245,40 +241,45 @@ double SymbolRotation(int termDirection, Side side) {
     return kTable[termDirection][static_cast<int>(side)];
 }
 
-TermLists CollectModuleTerminals(const ListModel& list, int orientation) {
+DrawContext::DrawContext(CDlgPlcRendal& d, const ModuleChoice& c, cad::Database& target)
+    : dlg(d), settings(d), choice(c), db(target) {}
+
+namespace {
+
+// The terminals to draw in order, each put in the first or the second list by `place`.
+template <class Place>
+TermLists CollectTerminals(const ModuleChoice& choice, Place place) {
     TermLists lists;
-    const char* first = orientation == 0 ? "上" : "右";
-    const char* second = orientation == 0 ? "下" : "左";
-    for (int row = 0; row < list.Count(); ++row) {
-        const int image = list.StateImage(row);
-        if (image == 0 || image == 3) {
+    for (std::size_t i = 0; i < choice.terminals.size(); ++i) {
+        const ChosenTerminal& terminal = choice.terminals[i];
+        if (!terminal.marked || !terminal.side) {
             continue;
         }
-        const std::string& side = list.Text(row, kColDirection);
-        if (Contains(side, first)) {
-            lists.first.push_back(row);
-        } else if (Contains(side, second)) {
-            lists.second.push_back(row);
+        if (std::vector<int>* list = place(lists, *terminal.side)) {
+            list->push_back(static_cast<int>(i));
         }
     }
     return lists;
 }
 
-TermLists CollectDividedTerminals(const ListModel& list) {
-    TermLists lists;
-    for (int row = 0; row < list.Count(); ++row) {
-        const int image = list.StateImage(row);
-        if (image == 0 || image == 3) {
-            continue;
+}  // namespace
+
+TermLists CollectModuleTerminals(const ModuleChoice& choice) {
+    const bool vertical = choice.orientation != 0;
+    const Side first = vertical ? Side::Right : Side::Upper;
+    const Side second = vertical ? Side::Left : Side::Lower;
+    return CollectTerminals(choice, [&](TermLists& lists, Side side) -> std::vector<int>* {
+        if (side == first) {
+            return &lists.first;
         }
-        const std::string& side = list.Text(row, kColDirection);
-        if (Contains(side, "上") || Contains(side, "右")) {
-            lists.first.push_back(row);
-        } else if (Contains(side, "下") || Contains(side, "左")) {
-            lists.second.push_back(row);
-        }
-    }
-    return lists;
+        return side == second ? &lists.second : nullptr;
+    });
+}
+
+TermLists CollectDividedTerminals(const ModuleChoice& choice) {
+    return CollectTerminals(choice, [](TermLists& lists, Side side) -> std::vector<int>* {
+        return side == Side::Upper || side == Side::Right ? &lists.first : &lists.second;
+    });
 }
 
 std::string MTextLiteral(std::string_view text) {
@@ -293,26 +294,26 @@ std::string MTextLiteral(std::string_view text) {
     return escaped;
 }
 
-std::string HeaderDataText(const CDlgPlcRendal& dlg) {
+std::string HeaderDataText(const PlcDrawSettings& settings, const ModuleChoice& choice) {
     std::string text;
     // The manufacturer line opens without a paragraph break and every other line with one,
     // so a header without the manufacturer starts with an empty line.
-    if (dlg.labelManufacturer) {
-        text += (dlg.labelManufacturerPrefix ? "厂家:" : "") + MTextLiteral(dlg.editShortName);
+    if (settings.labelManufacturer) {
+        text += (settings.labelManufacturerPrefix ? "厂家:" : "") + MTextLiteral(choice.shortName);
     }
-    if (dlg.labelModuleCode) {
+    if (settings.labelModuleCode) {
         text +=
-            (dlg.labelModuleCodePrefix ? "\\P模块代号:" : "\\P") + MTextLiteral(dlg.editModuleCode);
+            (settings.labelModuleCodePrefix ? "\\P模块代号:" : "\\P") + MTextLiteral(choice.code);
     }
-    if (dlg.labelModuleDesc) {
-        text +=
-            (dlg.labelModuleDescPrefix ? "\\P模块描述:" : "\\P") + MTextLiteral(dlg.editModuleDesc);
+    if (settings.labelModuleDesc) {
+        text += (settings.labelModuleDescPrefix ? "\\P模块描述:" : "\\P") +
+                MTextLiteral(choice.description);
     }
-    if (dlg.labelFrameNo && !dlg.editFrameNo.empty()) {
-        text += (dlg.labelFramePrefix ? "\\P框架号:" : "\\P") + MTextLiteral(dlg.editFrameNo);
+    if (settings.labelFrameNo && !choice.frameNo.empty()) {
+        text += (settings.labelFramePrefix ? "\\P框架号:" : "\\P") + MTextLiteral(choice.frameNo);
     }
-    if (dlg.labelSlotNo && !dlg.editSlotNo.empty()) {
-        text += (dlg.labelSlotPrefix ? "\\P槽号:" : "\\P") + MTextLiteral(dlg.editSlotNo);
+    if (settings.labelSlotNo && !choice.slotNo.empty()) {
+        text += (settings.labelSlotPrefix ? "\\P槽号:" : "\\P") + MTextLiteral(choice.slotNo);
     }
     return text;
 }
@@ -351,15 +352,16 @@ bool OpenDrawContext(DrawContext& ctx) {
 
 void DrawHeader(DrawContext& ctx, bool detailLinks) {
     const double h = ctx.labelHeight;
-    const double H = ctx.dlg.typeWidth;
-    const bool vertical = ctx.dlg.orientation != 0;
+    const double H = ctx.settings.typeWidth;
+    const bool vertical = ctx.choice.orientation != 0;
     const cad::Point3d labelAt =
         vertical ? cad::Point3d{-H / 2, h, 0} : cad::Point3d{-h, -H / 2, 0};
     const cad::Point3d dataAt =
         vertical ? cad::Point3d{-H / 2, 2 * h, 0} : cad::Point3d{-2 * h, -H / 2, 0};
     const double rotation = vertical ? 0.0 : kAngle90;
-    cad::MText* label = AddMText(ctx, MTextLiteral(ctx.dlg.editTag), labelAt, h, 5, rotation);
-    cad::MText* data = AddMText(ctx, HeaderDataText(ctx.dlg), dataAt, 2.5, 8, rotation);
+    cad::MText* label = AddMText(ctx, MTextLiteral(ctx.choice.tag), labelAt, h, 5, rotation);
+    cad::MText* data =
+        AddMText(ctx, HeaderDataText(ctx.settings, ctx.choice), dataAt, 2.5, 8, rotation);
     data->color = 2;
     ctx.label = label->handle;
     ctx.data = data->handle;
@@ -387,37 +389,38 @@ cad::Handle AddOutline(DrawContext& ctx, const std::vector<cad::Point3d>& points
 }
 
 bool LoadSymbolBlock(DrawContext& ctx) {
-    const cad::Database* symbol = ReadSymbolDrawing(ctx.dlg.termSymbolPath);
+    const cad::Database* symbol = ReadSymbolDrawing(ctx.settings.termSymbolPath);
     if (symbol == nullptr) {
-        host::Print("文件<" + ctx.dlg.termSymbolPath + ">打开失败！" + "\n");
+        host::Print("文件<" + ctx.settings.termSymbolPath + ">打开失败！" + "\n");
         return false;
     }
     std::string error;
-    ctx.symbolBlock = cad::InsertAsBlock(ctx.db, *symbol, ctx.dlg.termSymbolName, &error);
+    ctx.symbolBlock = cad::InsertAsBlock(ctx.db, *symbol, ctx.settings.termSymbolName, &error);
     if (!error.empty()) {
-        host::Print(cad::FillMessage("文件<%s>: %s\n", {ctx.dlg.termSymbolPath, error}));
+        host::Print(cad::FillMessage("文件<%s>: %s\n", {ctx.settings.termSymbolPath, error}));
     }
     ctx.symbolFootprints.clear();
     return ctx.symbolBlock != cad::kNullHandle;
 }
 
-void DrawTerminal(DrawContext& ctx, int row, Side side, TermStyle style, const cad::Point3d& at) {
-    CDlgPlcRendal& dlg = ctx.dlg;
+void DrawTerminal(DrawContext& ctx, int index, Side side, TermStyle style, const cad::Point3d& at) {
+    const PlcDrawSettings& settings = ctx.settings;
+    const ChosenTerminal& terminal = ctx.choice.terminals.at(static_cast<std::size_t>(index));
     const bool vertical = IsVerticalSide(side);
     const cad::Vector3d out = Outward(side);
     if (style == TermStyle::Cell) {
-        AddOutline(ctx, CellCorners(at, dlg.termSpacing, vertical), true);
+        AddOutline(ctx, CellCorners(at, settings.termSpacing, vertical), true);
     }
     // A cell's symbol is inserted on the cell's outer edge, measured, and moved out so that
     // it stands on that edge.
     const cad::Point3d insertAt = style == TermStyle::Cell ? at + out * 2.5 : at;
     cad::BlockReference* ref =
         ctx.db.InsertBlock(ctx.symbolBlock, ctx.At(insertAt.x, insertAt.y), {1, 1, 1},
-                           SymbolRotation(dlg.termDirection, side));
+                           SymbolRotation(settings.termDirection, side));
     const cad::Handle refHandle = ref->handle;
     const Measured measured = MeasureSymbol(ctx, *ref);
     const cad::Vector3d size = measured.Size();
-    dlg.termLength = static_cast<float>(std::max(size.x, size.y));
+    ctx.dlg.termLength = static_cast<float>(std::max(size.x, size.y));
     if (style == TermStyle::Cell) {
         const cad::Point3d edge = ctx.At(insertAt.x, insertAt.y);
         ref->position = ref->position + out * ShiftOntoEdge(side, measured, edge);
@@ -429,12 +432,12 @@ void DrawTerminal(DrawContext& ctx, int row, Side side, TermStyle style, const c
     } else {
         FrameTexts(side, at, size, ctx.divided, number, desc);
     }
-    cad::Text* numberText = AddText(ctx, dlg.termList.Text(row, kColTermValue), number);
+    cad::Text* numberText = AddText(ctx, terminal.value, number);
     cad::Point3d textPoint;
     if (style == TermStyle::FrameTextPoint && FirstTextPoint(ctx.db, refHandle, textPoint)) {
         numberText->SetAnchor(textPoint);
     }
-    cad::Text* descText = AddText(ctx, dlg.termList.Text(row, kColTermDesc), desc);
+    cad::Text* descText = AddText(ctx, terminal.description, desc);
 
     // Both description links sit on the number text; the description text itself links
     // back only in the divided drawing.

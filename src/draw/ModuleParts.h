@@ -1,5 +1,5 @@
 // The pieces the module drawing and its command variants (whole sheet, divided) are built
-// from: collecting the terminal rows, the symbol rotation table, the header, outlines and
+// from: sorting the chosen terminals by side, the symbol rotation table, the header, outlines and
 // one terminal with its texts and links. All of them draw into a given database at a given
 // origin. Files are read only through the suite's readers (the symbol drawing, awork.sys
 // for the label height); the host is asked only to convert points from the UCS.
@@ -11,16 +11,12 @@
 
 #include "cad/Database.h"
 #include "cad/Geometry.h"
+#include "draw/ModuleChoice.h"
+#include "draw/settings/PlcDrawSettings.h"
 
 class CDlgPlcRendal;
 
-namespace dialog {
-class ListModel;
-}
-
 namespace draw {
-
-using dialog::ListModel;
 
 // The decimal angles the drawings use: shortened multiples of pi, kept as they are so that
 // drawings compare equal with those the suite has always produced.
@@ -29,23 +25,22 @@ inline constexpr double kAngle180 = 3.1415926;
 inline constexpr double kAngleMinus90 = -1.5707963;
 inline constexpr double kAngle270 = 4.7123889;
 
-enum class Side { Upper, Lower, Right, Left };
-
 // Rotation of the terminal symbol reference by termDirection (0..3) and side; 0 where the
 // block keeps its own direction, and for directions outside 0..3.
 double SymbolRotation(int termDirection, Side side);
 
-// Row indices of the terminals to draw, in list order. Rows whose state image is 0 or 3
-// are left out.
+// Indices into the choice's terminals of those to draw, in order. Unmarked terminals are
+// left out.
 struct TermLists {
     std::vector<int> first;   // upper (horizontal) or right (vertical)
     std::vector<int> second;  // lower or left
 };
-// The module drawing's rule: horizontal takes rows with "上" first, else "下"; vertical "右"
-// first, else "左"; other rows are not drawn.
-TermLists CollectModuleTerminals(const ListModel& list, int orientation);
-// The divided drawing's rule, whatever the orientation: "上" or "右" first, else "下" or "左".
-TermLists CollectDividedTerminals(const ListModel& list);
+// The module drawing's rule: horizontal takes the upper side first and the lower second;
+// vertical the right side first and the left second; terminals on other sides are not drawn.
+TermLists CollectModuleTerminals(const ModuleChoice& choice);
+// The divided drawing's rule, whatever the orientation: upper or right first, lower or left
+// second.
+TermLists CollectDividedTerminals(const ModuleChoice& choice);
 
 // `text` as MText shows it literally: backslashes and braces escaped, so that a user's
 // text cannot start a formatting code.
@@ -53,16 +48,20 @@ std::string MTextLiteral(std::string_view text);
 
 // The data lines of the header, joined with MText paragraph breaks; the user's texts are
 // taken literally.
-std::string HeaderDataText(const CDlgPlcRendal& dlg);
+std::string HeaderDataText(const PlcDrawSettings& settings, const ModuleChoice& choice);
 
 // How a terminal is drawn: the frame styles 1 and 2 (2 puts the number at the symbol's first
 // terminal-text point) or the cell style 3.
 enum class TermStyle { Frame, FrameTextPoint, Cell };
 TermStyle TermStyleFor(int componentType);
 
-// Everything one drawing run keeps while it draws into one database.
+// Everything one drawing run keeps while it draws into one database. The module and its
+// texts come from `choice`, how to draw them from `settings`; the dialog is where the run
+// leaves its results (drawActive, labelId, the measured termLength, the placed preview).
 struct DrawContext {
     CDlgPlcRendal& dlg;
+    const PlcDrawSettings& settings;
+    const ModuleChoice& choice;
     cad::Database& db;
     cad::Point3d origin;  // the module's origin; every point is offset by it
     double labelHeight = 3.5;
@@ -83,7 +82,7 @@ struct DrawContext {
     // whatever the format and side.
     bool divided = false;
 
-    DrawContext(CDlgPlcRendal& d, cad::Database& target) : dlg(d), db(target) {}
+    DrawContext(CDlgPlcRendal& d, const ModuleChoice& c, cad::Database& target);
     cad::Point3d At(double x, double y) const { return {origin.x + x, origin.y + y, origin.z}; }
 };
 
@@ -105,9 +104,9 @@ cad::Handle AddOutline(DrawContext& ctx, const std::vector<cad::Point3d>& points
 // "文件<path>打开失败！" when the file cannot be read; false on any failure.
 bool LoadSymbolBlock(DrawContext& ctx);
 
-// One terminal: `row` of the terminal list drawn on `side` at terminal point `at` (module
+// One terminal: the choice's terminal `index` drawn on `side` at terminal point `at` (module
 // coordinates: the edge point for the frame styles, the cell centre for the cell style).
-void DrawTerminal(DrawContext& ctx, int row, Side side, TermStyle style, const cad::Point3d& at);
+void DrawTerminal(DrawContext& ctx, int index, Side side, TermStyle style, const cad::Point3d& at);
 
 // The whole module at ctx.origin: header, outline, symbol block and terminals (steps 1 to 10
 // of a module drawing). With `outlineOnly` the header and one edge line only; with

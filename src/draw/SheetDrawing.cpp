@@ -6,24 +6,20 @@
 
 namespace draw {
 
-cad::Handle RecordModulePart(const CDlgPlcRendal& dlg, cad::Database& db) {
+cad::Handle RecordModulePart(const PlcDrawSettings& settings, const ModuleChoice& choice,
+                             cad::Database& db) {
     std::string name, model;
-    if (dlg.autoDetail) {
-        name = dlg.editModuleDesc;
+    if (settings.autoDetail) {
+        name = choice.description;
     }
-    if (dlg.autoDetailModel) {
-        model = dlg.detailModelType == 1 ? dlg.editShortName + " " + dlg.editModuleCode
-                                         : dlg.editModuleCode;
+    if (settings.autoDetailModel) {
+        model = settings.detailModelType == 1 ? choice.shortName + " " + choice.code : choice.code;
     }
     const std::pair<const char*, std::string> fields[] = {
-        {"$LABEL", dlg.editTag},
-        {"$CODE", dlg.editModuleCode},
-        {"$DESCRIBE", name},
-        {"$TYPE", model},
-        {"$NAME", name},
-        {"$NOTE", ""},
-        {"$LABELDIS", dlg.editTag},
-        {"$Location", dlg.editLocation},
+        {"$LABEL", choice.tag},    {"$CODE", choice.code},
+        {"$DESCRIBE", name},       {"$TYPE", model},
+        {"$NAME", name},           {"$NOTE", ""},
+        {"$LABELDIS", choice.tag}, {"$Location", choice.location},
     };
     cad::TagList data;
     for (const auto& [key, value] : fields) {
@@ -31,23 +27,23 @@ cad::Handle RecordModulePart(const CDlgPlcRendal& dlg, cad::Database& db) {
         data.push_back({1, value});
     }
     const cad::Handle dict = db.GetOrAddDictionary(kPartsDictionary);
-    return db.SetXRecord(dict, dlg.editTag, std::move(data));
+    return db.SetXRecord(dict, choice.tag, std::move(data));
 }
 
 }  // namespace draw
 
-bool DrawFullSheet(CDlgPlcRendal& dlg, cad::Database& db) {
+bool DrawFullSheet(CDlgPlcRendal& dlg, const draw::ModuleChoice& choice, cad::Database& db) {
     draw::DrawingSession session(dlg);
     if (dlg.componentType < 1 || dlg.componentType > 3) {
         dlg.drawActive = 0;
         return false;
     }
     cad::Point3d at;
-    if (!WriteModulePreview(dlg, 0) || !DragPlaceModule(dlg, at, 0)) {
+    if (!WriteModulePreview(dlg, choice, 0) || !DragPlaceModule(dlg, at, 0)) {
         dlg.drawActive = 0;
         return false;
     }
-    draw::DrawContext ctx(dlg, db);
+    draw::DrawContext ctx(dlg, choice, db);
     ctx.origin = at;
     const bool drawn = draw::DrawWholeModule(ctx, false, true);
     dlg.labelId = ctx.label;
@@ -55,7 +51,7 @@ bool DrawFullSheet(CDlgPlcRendal& dlg, cad::Database& db) {
         return false;
     }
     if (dlg.autoDetail || dlg.autoDetailModel) {
-        draw::RecordModulePart(dlg, db);
+        draw::RecordModulePart(dlg, choice, db);
     }
     dlg.drawFinished = 1;
     return true;

@@ -13,18 +13,20 @@
 #include <string>
 
 #include "cad/Database.h"
+#include "draw/ModuleChoice.h"
+#include "draw/settings/PlcDrawSettings.h"
 
 class CDlgPlcRendal;
 
 // RENDALFULL: format 3 cell style, 1 closed frame, 2 closed frame with the terminal numbers
 // at the symbol's first terminal-text point; any other format draws nothing. True when the
 // module was drawn.
-bool DrawFullSheet(CDlgPlcRendal& dlg, cad::Database& db);
+bool DrawFullSheet(CDlgPlcRendal& dlg, const draw::ModuleChoice& choice, cad::Database& db);
 
 // DIVRENDAL: format 3 cell style (printing the closing bracket's corners in the vertical
 // orientation), any other format the frame-style terminals between brackets. True when the
 // command ran to its end (pieces drawn before a cancel stay either way).
-bool DrawDivided(CDlgPlcRendal& dlg, cad::Database& db);
+bool DrawDivided(CDlgPlcRendal& dlg, const draw::ModuleChoice& choice, cad::Database& db);
 
 namespace draw {
 
@@ -36,6 +38,7 @@ namespace draw {
 // autoDetailModel is set), $NOTE (empty), $LABELDIS (the label as shown) and $Location
 // (安装位置). Keys whose value is not filled are written empty.
 inline constexpr const char* kPartsDictionary = "QV_DICITIONARY_PART2DATABASE";
-cad::Handle RecordModulePart(const CDlgPlcRendal& dlg, cad::Database& db);
+cad::Handle RecordModulePart(const PlcDrawSettings& settings, const ModuleChoice& choice,
+                             cad::Database& db);
 
 }  // namespace draw

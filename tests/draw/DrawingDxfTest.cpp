@@ -54,7 +54,7 @@ TEST(DrawingDxf, WholeModulesOfEveryFormatAndOrientationReadBackLinked) {
             DrawingEnvironment env;
             auto dlg = env.MakeDialog(type, orientation, SidedRows(orientation, 3, 2));
             env.host.pointAnswers = {{InputStatus::Normal, {40, 30, 0}}};
-            ASSERT_TRUE(DrawFullSheet(*dlg, env.drawing));
+            ASSERT_TRUE(DrawFullSheet(*dlg, dlg->CurrentChoice(), env.drawing));
             const int outlines = type == 3 ? 2 + 5 : 1;
             const int links = 5 * 6 + 2 * outlines + 2;
             const auto lines = Lines(WriteAndCheck(env.drawing, env.LocalDir() / "module.dxf"));
@@ -72,7 +72,7 @@ TEST(DrawingDxf, DividedPiecesReadBackLinkedWithTheDescriptionBackLink) {
                              {InputStatus::Normal, {0, -30, 0}},
                              {InputStatus::Normal, {50, 0, 0}},
                              {InputStatus::Normal, {50, -40, 0}}};
-    ASSERT_TRUE(DrawDivided(*dlg, env.drawing));
+    ASSERT_TRUE(DrawDivided(*dlg, dlg->CurrentChoice(), env.drawing));
     // Two pieces (2 + 1 right, 1 left): 4 cells and 4 brackets; one more link per terminal.
     const int links = 4 * 7 + 2 * 8 + 2;
     const auto lines = Lines(WriteAndCheck(env.drawing, env.LocalDir() / "divided.dxf"));
@@ -113,10 +113,10 @@ TEST(DrawingDxf, EveryTextStandsWhereTheAlignmentRulesPutIt) {
                                              {InputStatus::Normal, along(40, 30, 36)},
                                              {InputStatus::Normal, {200, 30, 0}},
                                              {InputStatus::Normal, along(200, 30, 36)}};
-                    ASSERT_TRUE(DrawDivided(*dlg, env.drawing));
+                    ASSERT_TRUE(DrawDivided(*dlg, dlg->CurrentChoice(), env.drawing));
                 } else {
                     env.host.pointAnswers = {{InputStatus::Normal, {40, 30, 0}}};
-                    ASSERT_TRUE(DrawFullSheet(*dlg, env.drawing));
+                    ASSERT_TRUE(DrawFullSheet(*dlg, dlg->CurrentChoice(), env.drawing));
                 }
                 const auto file = env.LocalDir() / "aligned.dxf";
                 cad::WriteDxfFile(env.drawing, file.string(), cad::DxfVersion::R2010);
@@ -149,7 +149,7 @@ TEST(DrawingDxf, ChineseTextsShowInLibreCadAndInTheOwnRenderer) {
         auto dlg = env.MakeDialog(type, orientation, rows);
         dlg->editTag = "模块甲";
         env.host.pointAnswers = {{InputStatus::Normal, {0, 0, 0}}};
-        ASSERT_TRUE(DrawFullSheet(*dlg, env.drawing));
+        ASSERT_TRUE(DrawFullSheet(*dlg, dlg->CurrentChoice(), env.drawing));
         const cad::Handle style = env.drawing.FindTextStyle("qvcjk");
         ASSERT_NE(style, cad::kNullHandle);
         EXPECT_EQ(env.drawing.TextStyle(style)->font, "txt.shx");
@@ -184,7 +184,7 @@ TEST(DrawingDxf, TextsComeBackAsTypedInEverySaveFormat) {
     dlg->editTag = "-A{1}\\x";
     dlg->editModuleDesc = "描述\\P不是换行{}";
     env.host.pointAnswers = {{InputStatus::Normal, {0, 0, 0}}};
-    ASSERT_TRUE(DrawFullSheet(*dlg, env.drawing));
+    ASSERT_TRUE(DrawFullSheet(*dlg, dlg->CurrentChoice(), env.drawing));
     const std::vector<std::string> expected = {
         "MTEXT -A{1}\\x",
         "MTEXT 厂家:ALP|模块代号:DI-16A|模块描述:描述\\P不是换行{}|框架号:1|槽号:3",
@@ -217,7 +217,7 @@ TEST(DrawingDxf, LargeAndEmptyModules) {
         }
         auto dlg = env.MakeDialog(3, 0, rows);
         env.host.pointAnswers = {{InputStatus::Normal, {0, 0, 0}}};
-        ASSERT_TRUE(DrawFullSheet(*dlg, env.drawing));
+        ASSERT_TRUE(DrawFullSheet(*dlg, dlg->CurrentChoice(), env.drawing));
         const auto lines = Lines(WriteAndCheck(env.drawing, env.LocalDir() / "large.dxf"));
         ASSERT_FALSE(lines.empty());
         EXPECT_EQ(lines[0], "INSERT=500 LWPOLYLINE=502 MTEXT=2 TEXT=1000 links=" +
@@ -229,7 +229,7 @@ TEST(DrawingDxf, LargeAndEmptyModules) {
         DrawingEnvironment env;
         auto dlg = env.MakeDialog(1, 1, {});
         env.host.pointAnswers = {{InputStatus::Normal, {0, 0, 0}}};
-        ASSERT_TRUE(DrawFullSheet(*dlg, env.drawing));
+        ASSERT_TRUE(DrawFullSheet(*dlg, dlg->CurrentChoice(), env.drawing));
         const auto lines = Lines(WriteAndCheck(env.drawing, env.LocalDir() / "empty.dxf"));
         ASSERT_FALSE(lines.empty());
         EXPECT_EQ(lines[0], "INSERT=0 LWPOLYLINE=1 MTEXT=2 TEXT=0 links=4");

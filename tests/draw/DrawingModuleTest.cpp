@@ -90,7 +90,7 @@ TEST(DrawingModule, HorizontalFrameWithUnequalSides) {
     auto dlg = env.MakeDialog(1, 0, MixedHorizontalRows());
     dlg->drawActive = 7;
     cad::Database db;
-    ASSERT_TRUE(DrawModule(*dlg, db, 0));
+    ASSERT_TRUE(DrawModule(*dlg, dlg->CurrentChoice(), db, 0));
     EXPECT_EQ(dlg->drawActive, 7) << "left as it was on success";
 
     // Header: label h = 4 at (-h, -H/2), data text at (-2h, -H/2), both turned up the page.
@@ -155,7 +155,7 @@ TEST(DrawingModule, VerticalFrameRunsDownTheYAxis) {
                                {"5", "E", "向上"}});
     cad::Database db;
     db.AddLayer("DIM");
-    ASSERT_TRUE(DrawModule(*dlg, db, 0));
+    ASSERT_TRUE(DrawModule(*dlg, dlg->CurrentChoice(), db, 0));
 
     const auto mtexts = All<cad::MText>(db);
     ASSERT_EQ(mtexts.size(), 2u);
@@ -201,7 +201,7 @@ TEST(DrawingModule, CellStyleHorizontalBracketsCellsAndSymbolsOnTheEdge) {
     auto dlg =
         env.MakeDialog(3, 0, {{"1", "A", "向上"}, {"2", "B", "     向下"}, {"3", "C", "向上"}});
     cad::Database db;
-    ASSERT_TRUE(DrawModule(*dlg, db, 0));
+    ASSERT_TRUE(DrawModule(*dlg, dlg->CurrentChoice(), db, 0));
     // u = 2, l = 1, W = n p + p = 30; terminals at x = i p + p.
     const auto polys = All<cad::LwPolyline>(db);
     ASSERT_EQ(polys.size(), 5u);
@@ -254,7 +254,7 @@ TEST(DrawingModule, CellStyleVerticalAndSymbolBasePointElsewhere) {
     auto dlg =
         env.MakeDialog(3, 1, {{"1", "A", "     向右"}, {"2", "B", "向左"}, {"3", "C", "向左"}});
     cad::Database db;
-    ASSERT_TRUE(DrawModule(*dlg, db, 0));
+    ASSERT_TRUE(DrawModule(*dlg, dlg->CurrentChoice(), db, 0));
     const auto polys = All<cad::LwPolyline>(db);
     ASSERT_EQ(polys.size(), 5u);
     ExpectPoints(Vertices(*polys[0]), {{-10, -5}, {-10, 0}, {0, 0}, {0, -5}}, "top bracket");
@@ -284,7 +284,7 @@ TEST(DrawingModule, FrameStyleTwoPutsTheNumberOnTheSymbolsTextPoint) {
     DrawingEnvironment env;
     auto dlg = env.MakeDialog(2, 0, {{"1", "A", "向上"}});
     cad::Database db;
-    ASSERT_TRUE(DrawModule(*dlg, db, 0));
+    ASSERT_TRUE(DrawModule(*dlg, dlg->CurrentChoice(), db, 0));
     const auto texts = All<cad::Text>(db);
     ASSERT_EQ(texts.size(), 2u);
     // Text point (2, 0.4) turned by 1.5707963 about the base, then to (5, 0).
@@ -298,7 +298,7 @@ TEST(DrawingModule, DegenerateModules) {
         SCOPED_TRACE("no drawable rows: a collapsed frame, the symbol still defined");
         auto dlg = env.MakeDialog(1, 0, {{"1", "A", "向上", 0}, {"2", "B", "向左"}});
         cad::Database db;
-        ASSERT_TRUE(DrawModule(*dlg, db, 0));
+        ASSERT_TRUE(DrawModule(*dlg, dlg->CurrentChoice(), db, 0));
         const auto frames = All<cad::LwPolyline>(db);
         ASSERT_EQ(frames.size(), 1u);
         ExpectPoints(Vertices(*frames[0]), {{0, -10}, {0, -10}, {0, 0}, {0, 0}}, "frame");
@@ -310,7 +310,7 @@ TEST(DrawingModule, DegenerateModules) {
         SCOPED_TRACE("only lower terminals: the upper edge spans the lower count");
         auto dlg = env.MakeDialog(1, 0, {{"1", "A", "     向下"}, {"2", "B", "     向下"}});
         cad::Database db;
-        ASSERT_TRUE(DrawModule(*dlg, db, 0));
+        ASSERT_TRUE(DrawModule(*dlg, dlg->CurrentChoice(), db, 0));
         ExpectPoints(Vertices(*All<cad::LwPolyline>(db)[0]), {{0, -10}, {20, -10}, {20, 0}, {0, 0}},
                      "frame");
         EXPECT_EQ(All<cad::BlockReference>(db).size(), 2u);
@@ -319,7 +319,7 @@ TEST(DrawingModule, DegenerateModules) {
         SCOPED_TRACE("outline only: header and one cyan edge line, termLength untouched");
         auto dlg = env.MakeDialog(3, 0, {{"1", "A", "向上"}});
         cad::Database db;
-        ASSERT_TRUE(DrawModule(*dlg, db, 1));
+        ASSERT_TRUE(DrawModule(*dlg, dlg->CurrentChoice(), db, 1));
         const auto lines = All<cad::Line>(db);
         ASSERT_EQ(lines.size(), 1u);
         ExpectPoint(lines[0]->start, {0, -10}, "start");
@@ -331,14 +331,14 @@ TEST(DrawingModule, DegenerateModules) {
         EXPECT_FLOAT_EQ(dlg->termLength, 2.5f);
         dlg->orientation = 1;
         cad::Database vertical;
-        ASSERT_TRUE(DrawModule(*dlg, vertical, 1));
+        ASSERT_TRUE(DrawModule(*dlg, dlg->CurrentChoice(), vertical, 1));
         ExpectPoint(All<cad::Line>(vertical)[0]->end, {-10, 0}, "vertical end");
     }
     {
         SCOPED_TRACE("format out of range: header only");
         auto dlg = env.MakeDialog(0, 0, {{"1", "A", "向上"}});
         cad::Database db;
-        ASSERT_TRUE(DrawModule(*dlg, db, 0));
+        ASSERT_TRUE(DrawModule(*dlg, dlg->CurrentChoice(), db, 0));
         EXPECT_EQ(db.Entities().size(), 2u);
     }
 }
@@ -351,7 +351,7 @@ TEST(DrawingModule, HeaderLinesFollowTheLabelFlags) {
     dlg->editFrameNo.clear();
     dlg->editModuleDesc.clear();
     cad::Database db;
-    ASSERT_TRUE(DrawModule(*dlg, db, 0));
+    ASSERT_TRUE(DrawModule(*dlg, dlg->CurrentChoice(), db, 0));
     // No manufacturer: the text opens with a paragraph break. An empty description is still
     // written; an empty frame number is not.
     EXPECT_EQ(All<cad::MText>(db)[1]->contents, "\\PDI-16A\\P模块描述:\\P槽号:3");
@@ -363,7 +363,7 @@ TEST(DrawingModule, FailuresClearDrawActiveAndKeepWhatWasDrawn) {
     dlg->termSymbolPath = (env.LocalDir() / "missing.dxf").string();
     dlg->drawActive = 1;
     cad::Database db;
-    EXPECT_FALSE(DrawModule(*dlg, db, 0));
+    EXPECT_FALSE(DrawModule(*dlg, dlg->CurrentChoice(), db, 0));
     EXPECT_EQ(dlg->drawActive, 0);
     EXPECT_EQ(env.host.AllPrinted(), "文件<" + dlg->termSymbolPath + ">打开失败！\n");
     EXPECT_EQ(All<cad::MText>(db).size(), 2u);
@@ -376,7 +376,7 @@ TEST(DrawingModule, FailuresClearDrawActiveAndKeepWhatWasDrawn) {
     dlg->termSymbolPath = (env.LocalDir() / "bad.dxf").string();
     dlg->drawActive = 1;
     cad::Database again;
-    EXPECT_FALSE(DrawModule(*dlg, again, 0));
+    EXPECT_FALSE(DrawModule(*dlg, dlg->CurrentChoice(), again, 0));
     EXPECT_EQ(dlg->drawActive, 0);
 }
 
@@ -436,7 +436,7 @@ TEST(DrawingModule, TextsUseTheModuleStyleWithTheConfiguredFont) {
     cad::Database db;
     const cad::Handle old = db.AddTextStyle("qvcjk", "romans.shx", "x.shx");
     const cad::Handle current = db.CurrentTextStyle();
-    ASSERT_TRUE(DrawModule(*dlg, db, 0));
+    ASSERT_TRUE(DrawModule(*dlg, dlg->CurrentChoice(), db, 0));
     EXPECT_EQ(db.FindTextStyle("qvcjk"), old);
     EXPECT_EQ(db.TextStyle(old)->font, "simsun.ttf");
     EXPECT_EQ(db.TextStyle(old)->bigFont, "");
@@ -455,7 +455,7 @@ TEST(DrawingModule, SymbolDrawingIsReadAsItIsNow) {
     DrawingEnvironment env;
     auto dlg = env.MakeDialog(1, 0, {{"1", "A", "向上"}});
     cad::Database first;
-    ASSERT_TRUE(DrawModule(*dlg, first, 0));
+    ASSERT_TRUE(DrawModule(*dlg, dlg->CurrentChoice(), first, 0));
     EXPECT_FLOAT_EQ(dlg->termLength, 5.0f);
 
     cad::Database longer;
@@ -464,11 +464,11 @@ TEST(DrawingModule, SymbolDrawingIsReadAsItIsNow) {
     lead->end = {7.5, 0, 0};
     cad::WriteDxfFile(longer, env.SymbolPath().string(), cad::DxfVersion::R2000);
     cad::Database second;
-    ASSERT_TRUE(DrawModule(*dlg, second, 0));
+    ASSERT_TRUE(DrawModule(*dlg, dlg->CurrentChoice(), second, 0));
     EXPECT_FLOAT_EQ(dlg->termLength, 7.5f);
 
     std::filesystem::remove(env.SymbolPath());
     cad::Database third;
-    EXPECT_FALSE(DrawModule(*dlg, third, 0));
+    EXPECT_FALSE(DrawModule(*dlg, dlg->CurrentChoice(), third, 0));
     EXPECT_EQ(env.host.AllPrinted(), "文件<" + dlg->termSymbolPath + ">打开失败！\n");
 }

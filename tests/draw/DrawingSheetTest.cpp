@@ -50,7 +50,7 @@ std::string Record(const cad::Database& db, const std::string& label) {
 TEST(DrawingPlacement, PreviewHoldsPlainGeometryOnly) {
     DrawingEnvironment env;
     auto dlg = env.MakeDialog(1, 0, Rows(2, 1));
-    ASSERT_EQ(WriteModulePreview(*dlg, 0), 1);
+    ASSERT_EQ(WriteModulePreview(*dlg, dlg->CurrentChoice(), 0), 1);
     ASSERT_TRUE(std::filesystem::exists(env.PreviewPath()));
     const auto preview = cad::ReadDxfFile(env.PreviewPath().string());
     int lines = 0, circles = 0;
@@ -66,7 +66,7 @@ TEST(DrawingPlacement, PreviewHoldsPlainGeometryOnly) {
     // was drawn before it is still written.
     dlg->termSymbolPath = "/nonexistent/SYMB2_T.dxf";
     dlg->drawActive = 1;
-    EXPECT_EQ(WriteModulePreview(*dlg, 0), 1);
+    EXPECT_EQ(WriteModulePreview(*dlg, dlg->CurrentChoice(), 0), 1);
     EXPECT_EQ(dlg->drawActive, 0);
     EXPECT_NE(env.host.AllPrinted().find("文件</nonexistent/SYMB2_T.dxf>打开失败！\n"),
               std::string::npos);
@@ -77,7 +77,7 @@ TEST(DrawingPlacement, DragShowsTheModuleFullSizeUnderTheCursor) {
     auto dlg = env.MakeDialog(1, 0, Rows(1, 0));
     cad::Point3d out;
     EXPECT_EQ(DragPlaceModule(*dlg, out, 1), 0) << "no preview file yet";
-    ASSERT_EQ(WriteModulePreview(*dlg, 0), 1);
+    ASSERT_EQ(WriteModulePreview(*dlg, dlg->CurrentChoice(), 0), 1);
 
     env.host.pointAnswers = {{InputStatus::None, {}}, At(100, 50)};
     ASSERT_EQ(DragPlaceModule(*dlg, out, 1), 1);
@@ -126,7 +126,7 @@ TEST(DrawingPlacement, PlacesWhatThePreviewFileHoldsEvenWhenChangedSinceWriting)
         return KindCounts(std::as_const(env.drawing).Entities(block));
     };
 
-    ASSERT_EQ(WriteModulePreview(*dlg, 0), 1);
+    ASSERT_EQ(WriteModulePreview(*dlg, dlg->CurrentChoice(), 0), 1);
     env.host.pointAnswers = {At(0, 0)};
     ASSERT_EQ(DragPlaceModule(*dlg, out, 0), 1);
     EXPECT_EQ(placedBlock(), KindCounts(cad::ReadDxfFile(path)->Entities()));
@@ -142,7 +142,7 @@ TEST(DrawingPlacement, PlacesWhatThePreviewFileHoldsEvenWhenChangedSinceWriting)
     EXPECT_EQ(placedBlock(), (std::map<cad::ObjectKind, int>{{cad::ObjectKind::Circle, 1}}));
 
     // Written again and then spoilt: reported, nothing placed.
-    ASSERT_EQ(WriteModulePreview(*dlg, 0), 1);
+    ASSERT_EQ(WriteModulePreview(*dlg, dlg->CurrentChoice(), 0), 1);
     std::ofstream(path, std::ios::binary | std::ios::trunc) << "  0\nSECTION\n  2\nENTI";
     env.host.pointAnswers = {At(0, 0)};
     EXPECT_EQ(DragPlaceModule(*dlg, out, 0), 0);
@@ -162,7 +162,7 @@ TEST(DrawingPlacement, KeptPreviewPlacesExactlyAsTheFileReadsBack) {
         env.host.environment["DefaultFormatForSave"] = format;
         auto dlg = env.MakeDialog(2, 1, Rows(3, 2));
         dlg->editModuleDesc = desc;
-        ASSERT_EQ(WriteModulePreview(*dlg, 0), 1);
+        ASSERT_EQ(WriteModulePreview(*dlg, dlg->CurrentChoice(), 0), 1);
         cad::Point3d out;
         env.host.pointAnswers = {At(0, 0)};
         ASSERT_EQ(DragPlaceModule(*dlg, out, 0), 1);
@@ -182,7 +182,7 @@ TEST(DrawingFullSheet, DrawsAtThePickedPointWithDetailLinksAndPartRecord) {
     auto dlg = env.MakeDialog(1, 0, Rows(2, 1));
     dlg->detailModelType = 1;
     env.host.pointAnswers = {At(200, 100)};
-    ASSERT_TRUE(DrawFullSheet(*dlg, env.drawing));
+    ASSERT_TRUE(DrawFullSheet(*dlg, dlg->CurrentChoice(), env.drawing));
     EXPECT_EQ(dlg->drawFinished, 1);
     EXPECT_TRUE(dlg->reshowPending);
     EXPECT_FALSE(dlg->drawBusy);
@@ -212,7 +212,7 @@ TEST(DrawingFullSheet, CancelledPlacementDrawsNothing) {
     DrawingEnvironment env;
     auto dlg = env.MakeDialog(3, 0, Rows(2, 2));
     env.host.pointAnswers = {{InputStatus::Cancel, {}}};
-    EXPECT_FALSE(DrawFullSheet(*dlg, env.drawing));
+    EXPECT_FALSE(DrawFullSheet(*dlg, dlg->CurrentChoice(), env.drawing));
     EXPECT_EQ(dlg->drawActive, 0);
     EXPECT_EQ(dlg->drawFinished, 0);
     EXPECT_TRUE(env.drawing.Entities().empty());
@@ -227,7 +227,7 @@ TEST(DrawingDivided, HorizontalPiecesShareOneHeaderAndRunOutUnevenly) {
     // Piece 1 from (0,0): 25 is refused (2p + 5), a point left of the start too, then 36:
     // k = (36 - 10) / 10 = 2. Piece 2 from (100, 0) to (150, 0): k = 4, one upper left.
     env.host.pointAnswers = {At(0, 0), At(25, 0), At(-30, 0), At(36, 0), At(100, 0), At(150, 0)};
-    ASSERT_TRUE(DrawDivided(*dlg, env.drawing));
+    ASSERT_TRUE(DrawDivided(*dlg, dlg->CurrentChoice(), env.drawing));
     EXPECT_EQ(dlg->drawFinished, 1);
     EXPECT_EQ(dlg->drawActive, 0);
     EXPECT_EQ(env.host.prompts,
@@ -270,7 +270,7 @@ TEST(DrawingDivided, VerticalCellStylePrintsTheClosingCorners) {
     auto dlg = env.MakeDialog(
         3, 1, {{"1", "A", "     向右"}, {"2", "B", "     向右"}, {"3", "C", "向左"}});
     env.host.pointAnswers = {At(50, 200), At(50, 160)};  // 40 down: k = 3
-    ASSERT_TRUE(DrawDivided(*dlg, env.drawing));
+    ASSERT_TRUE(DrawDivided(*dlg, dlg->CurrentChoice(), env.drawing));
     // First (right) run 20 from two terminals, second (left) run 10; yb = 200 - 5 - 20 - 5.
     // The left-upper corner follows the first run and the right-upper corner the second.
     EXPECT_EQ(
@@ -287,7 +287,7 @@ TEST(DrawingDivided, VerticalCellStylePrintsTheClosingCorners) {
     DrawingEnvironment quiet;
     auto frame = quiet.MakeDialog(1, 1, {{"1", "A", "     向右"}});
     quiet.host.pointAnswers = {At(0, 0), At(0, -30)};
-    ASSERT_TRUE(DrawDivided(*frame, quiet.drawing));
+    ASSERT_TRUE(DrawDivided(*frame, frame->CurrentChoice(), quiet.drawing));
     EXPECT_EQ(quiet.host.AllPrinted(), "");
     // Without cells a piece is closed by its two brackets alone.
     const auto outline = All<cad::LwPolyline>(quiet.drawing);
@@ -302,7 +302,7 @@ TEST(DrawingDivided, CancelAtAnyPromptEndsTheCommandKeepingDrawnPieces) {
     auto dlg = env.MakeDialog(1, 0, Rows(4, 0));
     env.host.pointAnswers = {
         At(0, 0), At(30, 0), At(100, 0), At(110, 0), {InputStatus::Cancel, {}}};
-    EXPECT_FALSE(DrawDivided(*dlg, env.drawing));
+    EXPECT_FALSE(DrawDivided(*dlg, dlg->CurrentChoice(), env.drawing));
     EXPECT_EQ(dlg->drawActive, 0);
     EXPECT_EQ(dlg->drawFinished, 0);
     EXPECT_EQ(All<cad::BlockReference>(env.drawing).size(), 2u) << "piece 1 stays, no preview";
@@ -311,7 +311,7 @@ TEST(DrawingDivided, CancelAtAnyPromptEndsTheCommandKeepingDrawnPieces) {
     DrawingEnvironment broken;
     auto bad = broken.MakeDialog(1, 0, Rows(1, 0));
     bad->termSymbolPath = "/nonexistent.dxf";
-    EXPECT_FALSE(DrawDivided(*bad, broken.drawing));
+    EXPECT_FALSE(DrawDivided(*bad, bad->CurrentChoice(), broken.drawing));
     EXPECT_EQ(broken.host.AllPrinted(), "文件</nonexistent.dxf>打开失败！\n");
     EXPECT_TRUE(broken.drawing.Entities().empty());
 }
