@@ -127,3 +127,39 @@ TEST_F(TermListTest, SwitchingOrientationReappliesTheStoredPatternDiscardingFlip
     EXPECT_EQ(Directions(*dlg),
               (std::vector<std::string>{kUp, kDown, kUp, kDown, kUp, kDown, kUp}));
 }
+
+// What the draw buttons hand to the drawing: the selected module, the pattern and each row's
+// mark and side as the list shows them after the user's clicks.
+TEST_F(TermListTest, CurrentChoiceFollowsTheSelectionMarksAndPattern) {
+    dlg->OnTermMenuCommand(kMenuEvenFirst);
+    dlg->termList.SelectOnly(2);
+    dlg->OnTermListClick(0);  // unmarks row 3
+    dlg->termList.SetStateImage(4, 3);
+    dlg->editTag = "-K1";
+    draw::ModuleChoice choice = dlg->CurrentChoice();
+    EXPECT_EQ(choice.manufacturer + "/" + choice.series + "/" + choice.type + "/" + choice.code,
+              "Alpha/S1/DI/DI-16A");
+    EXPECT_EQ(choice.shortName, "ALP");
+    EXPECT_EQ(choice.tag, "-K1");
+    EXPECT_EQ(choice.pattern, 2);
+    ASSERT_EQ(choice.terminals.size(), 7u);
+    for (std::size_t i = 0; i < choice.terminals.size(); ++i) {
+        const draw::ChosenTerminal& t = choice.terminals[i];
+        EXPECT_EQ(t.sequence, std::to_string(i + 1));
+        EXPECT_EQ(t.marked, i != 2 && i != 4) << "row " << i;
+        EXPECT_EQ(t.side, i % 2 == 0 ? draw::Side::Upper : draw::Side::Lower) << "row " << i;
+    }
+
+    // Turning the module vertical keeps the pattern on the left and right sides.
+    dlg->OnVertical();
+    choice = dlg->CurrentChoice();
+    EXPECT_EQ(choice.orientation, 1);
+    EXPECT_EQ(choice.terminals[0].side, draw::Side::Left);
+    EXPECT_EQ(choice.terminals[1].side, draw::Side::Right);
+    // A flipped row changes side, and the mark stays as it was.
+    dlg->termList.SelectOnly(2);
+    dlg->OnTermListDoubleClick();
+    choice = dlg->CurrentChoice();
+    EXPECT_EQ(choice.terminals[2].side, draw::Side::Right);
+    EXPECT_FALSE(choice.terminals[2].marked);
+}
