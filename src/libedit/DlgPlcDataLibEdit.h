@@ -101,7 +101,7 @@ public:
     bool visible = false;
     bool minimized = false;
     bool active = false;
-    std::string focus;             // "tree", "moduleList", "termList"
+    std::string focus;  // "tree", "moduleList", "termList"
     int moduleListClientWidth = 600;
     int termListClientWidth = 600;
 

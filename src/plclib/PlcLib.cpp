@@ -255,7 +255,11 @@ bool CPlcLib::Execute(const std::string& statement) {
         return false;
     }
     std::string error;
-    if (!connection_->Execute(statement, error)) {
+    const bool done = connection_->Execute(statement, error);
+    if (observer_) {
+        observer_(statement, done);
+    }
+    if (!done) {
         plcdb::ReportDatabaseError(error);
         return false;
     }
@@ -268,6 +272,9 @@ std::optional<plcdb::QueryResult> CPlcLib::Query(const std::string& statement) {
     }
     std::string error;
     auto result = connection_->Query(statement, error);
+    if (observer_) {
+        observer_(statement, result.has_value());
+    }
     if (!result) {
         plcdb::ReportDatabaseError(error);
     }
