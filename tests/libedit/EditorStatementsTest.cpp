@@ -31,7 +31,8 @@ TEST_F(EditorTest, NewManufacturerAndItsShortName) {
     });
     ClearLog();
     ASSERT_TRUE(dlg->OnMenuCommand(kCmdChangeShortName));
-    EXPECT_EQ(Changes(), (Texts{"UPDATE MANUFACTURER_simple SET MFG='AL2' WHERE MANUFACTURER='Alpha'"}));
+    EXPECT_EQ(Changes(),
+              (Texts{"UPDATE MANUFACTURER_simple SET MFG='AL2' WHERE MANUFACTURER='Alpha'"}));
     EXPECT_EQ(dlg->statusText, "厂家名:Alpha 厂家简称:AL2");
 }
 
@@ -63,8 +64,7 @@ TEST_F(EditorTest, NewTypeFillsTheSeriesPlaceholderAndMakesItsTables) {
               "SELECT * FROM PLC_MANUFACTURER WHERE MANUFACTURER ='Beta' AND SERIES='B2'");
     ClearLog();
     ASSERT_TRUE(NewType("Beta/B2", "T2"));
-    EXPECT_EQ(Changes()[0],
-              "INSERT INTO PLC_MANUFACTURER VALUES ('Beta','B2','T2','Beta_B2_T2')");
+    EXPECT_EQ(Changes()[0], "INSERT INTO PLC_MANUFACTURER VALUES ('Beta','B2','T2','Beta_B2_T2')");
 }
 
 TEST_F(EditorTest, NewModuleAsksForItsCodeFirst) {
@@ -132,8 +132,9 @@ TEST_F(EditorTest, DeleteSeriesDropsBareNamesThenDeletesItsRows) {
 TEST_F(EditorTest, DeleteTypeOfASeriesWithOneTypeKeepsItsRow) {
     Select("Alpha/S2/AI");
     ASSERT_TRUE(Confirmed(kCmdDeleteType));
-    EXPECT_EQ(env.host.messages.back().text,
-              "这将删除厂家为 Alpha ,系列为 S2 ,类型为 AI 的数据库中的所有模块!\n\n确实要执行此操作 ?");
+    EXPECT_EQ(
+        env.host.messages.back().text,
+        "这将删除厂家为 Alpha ,系列为 S2 ,类型为 AI 的数据库中的所有模块!\n\n确实要执行此操作 ?");
     const Texts all = Statements();
     const Texts tail(all.end() - 4, all.end());
     EXPECT_EQ(tail, (Texts{"Drop table Alpha_S2_AI", "Drop table Alpha_S2_AI_data",
@@ -144,8 +145,9 @@ TEST_F(EditorTest, DeleteTypeOfASeriesWithOneTypeKeepsItsRow) {
     ClearLog();
     Select("Alpha/S1/DO");
     ASSERT_TRUE(Confirmed(kCmdDeleteType));
-    EXPECT_EQ(Changes().back(), "DELETE * FROM PLC_MANUFACTURER WHERE MANUFACTURER='Alpha' AND "
-                                "SERIES='S1' AND TYPE='DO'");
+    EXPECT_EQ(Changes().back(),
+              "DELETE * FROM PLC_MANUFACTURER WHERE MANUFACTURER='Alpha' AND "
+              "SERIES='S1' AND TYPE='DO'");
 }
 
 TEST_F(EditorTest, DeleteModuleDeletesItsRowThenItsTerminals) {
@@ -153,7 +155,8 @@ TEST_F(EditorTest, DeleteModuleDeletesItsRowThenItsTerminals) {
     ClearLog();
     ASSERT_TRUE(Confirmed(kCmdDeleteModule));
     EXPECT_EQ(env.host.messages.back().text,
-              "这将删除厂家为 Alpha ,系列为 S1 ,类型为 DI ,模块号为 DI-32B 的数据!\n\n确实要执行此操作 ?");
+              "这将删除厂家为 Alpha ,系列为 S1 ,类型为 DI ,模块号为 DI-32B "
+              "的数据!\n\n确实要执行此操作 ?");
     EXPECT_EQ(Changes(), (Texts{"DELETE * FROM Alpha_S1_DI WHERE CODE='DI-32B'",
                                 "DELETE * FROM Alpha_S1_DI_data WHERE CODE='DI-32B'"}));
 }
@@ -191,11 +194,12 @@ TEST_F(EditorTest, TerminalStatements) {
     ClearLog();
     ASSERT_TRUE(DeleteTerms({"2"}));
     EXPECT_EQ(env.host.messages.back().text, "确定要删除所选的1条端点信息吗？");
-    EXPECT_EQ(Changes(),
-              (Texts{"DELETE * FROM Alpha_S1_DI_data WHERE CODE='DI-32B' AND SEQUENCE=2",
-                     "UPDATE Alpha_S1_DI_data SET SEQUENCE=2 WHERE CODE='DI-32B' AND SEQUENCE = 3",
-                     "UPDATE Alpha_S1_DI_data SET SEQUENCE=3 WHERE CODE='DI-32B' AND SEQUENCE = 4",
-                     "UPDATE Alpha_S1_DI_data SET SEQUENCE=4 WHERE CODE='DI-32B' AND SEQUENCE = 5"}));
+    EXPECT_EQ(
+        Changes(),
+        (Texts{"DELETE * FROM Alpha_S1_DI_data WHERE CODE='DI-32B' AND SEQUENCE=2",
+               "UPDATE Alpha_S1_DI_data SET SEQUENCE=2 WHERE CODE='DI-32B' AND SEQUENCE = 3",
+               "UPDATE Alpha_S1_DI_data SET SEQUENCE=3 WHERE CODE='DI-32B' AND SEQUENCE = 4",
+               "UPDATE Alpha_S1_DI_data SET SEQUENCE=4 WHERE CODE='DI-32B' AND SEQUENCE = 5"}));
 
     ClearLog();
     dlg->SelectTermRows({dlg->FindTermRow("2")});
@@ -211,8 +215,9 @@ TEST_F(EditorTest, TerminalStatements) {
 
     ClearLog();
     dlg->SelectTermRows({0});
-    dlg->termOrderRunner = FillAndOk<CDlgTermOrder>(
-        [](auto& d) { ASSERT_TRUE(d.SetOrder({"4", "1", "2", "3"})); });
+    dlg->termOrderRunner = FillAndOk<CDlgTermOrder>([](auto& d) {
+        ASSERT_TRUE(d.SetOrder({"4", "1", "2", "3"}));
+    });
     ASSERT_TRUE(dlg->OnMenuCommand(kCmdReorderTerms));
     EXPECT_EQ(Changes(),
               (Texts{"UPDATE Alpha_S1_DI_data SET TermValue='V', TERMDESC='D', DETAILTERMDESC='X' "

@@ -36,8 +36,9 @@ std::unique_ptr<CDlgPlcDataLibEdit> EditorTest::OpenEditor() {
         ADD_FAILURE() << "the editor did not open " << editor->libPath;
         return nullptr;
     }
-    editor->plcLib.SetStatementObserver(
-        [this](const std::string& statement, bool ok) { log.push_back({statement, ok}); });
+    editor->plcLib.SetStatementObserver([this](const std::string& statement, bool ok) {
+        log.push_back({statement, ok});
+    });
     editor->Refresh();
     log.clear();
     return editor;
@@ -162,8 +163,8 @@ plcdb::QueryResult EditorTest::Db(const std::string& sql) {
 }
 
 std::vector<std::string> EditorTest::DbTerms(const std::string& table, const std::string& code) {
-    const auto rows = Db("SELECT SEQUENCE, TermValue FROM " + table + "_data WHERE CODE='" +
-                         code + "' ORDER BY SEQUENCE");
+    const auto rows = Db("SELECT SEQUENCE, TermValue FROM " + table + "_data WHERE CODE='" + code +
+                         "' ORDER BY SEQUENCE");
     std::vector<std::string> terms;
     for (const auto& row : rows.rows) {
         terms.push_back(row[0] + ":" + row[1]);
