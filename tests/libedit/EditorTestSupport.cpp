@@ -1,6 +1,9 @@
 #include "EditorTestSupport.h"
 
+#include <unistd.h>
+
 #include <algorithm>
+#include <filesystem>
 
 #include "files/TextFile.h"
 
@@ -17,6 +20,14 @@ std::vector<std::string> SplitPath(const std::string& path) {
         }
         start = slash + 1;
     }
+}
+
+std::string ScratchRoot() {
+    std::error_code ec;
+    if (std::filesystem::is_directory("/dev/shm", ec) && access("/dev/shm", W_OK) == 0) {
+        return "/dev/shm";
+    }
+    return std::filesystem::temp_directory_path().string();
 }
 
 void EditorTest::SetUp() {

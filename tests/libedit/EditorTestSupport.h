@@ -23,8 +23,12 @@ struct Logged {
 // "M/S/T/CODE" split at '/'.
 std::vector<std::string> SplitPath(const std::string& path);
 
+// The scratch folder's parent: the machine's memory file system when it has one, since every
+// step of the editor syncs the library and its stamp to the disk.
+std::string ScratchRoot();
+
 class EditorTest : public ::testing::Test {
-protected:
+public:
     void SetUp() override;
     void TearDown() override;
 
@@ -63,6 +67,7 @@ protected:
     // PLC_MANUFACTURER as "M|S|T|TABLE" rows in row order.
     std::vector<std::string> DbTypeRows();
 
+    testing_support::ScopedEnv scratch{"TMPDIR", ScratchRoot()};
     dialog_test::DialogEnvironment env;
     std::unique_ptr<CDlgPlcDataLibEdit> dlg;
     std::vector<Logged> log;
