@@ -2,8 +2,42 @@
 
 #include "host/Host.h"
 #include "host/SuiteServices.h"
+#include "libedit/DlgPlcDataLibEdit.h"
+
+CDlgPlcDataLibEdit* g_pDlgPlcDataLibEdit = nullptr;
 
 namespace app {
+
+std::function<void()> g_checkInLibrary;
+
+namespace {
+
+// Closing the editor ends it: the library goes back to the server (network style 1), and
+// the object and the pointer to it go.
+void OnEditorClosed(CDlgPlcDataLibEdit* dlg) {
+    if (suite::GetCurZandrixInstallStyle() == 1 && g_checkInLibrary) {
+        g_checkInLibrary();
+    }
+    if (g_pDlgPlcDataLibEdit == dlg) {
+        g_pDlgPlcDataLibEdit = nullptr;
+    }
+    delete dlg;
+}
+
+bool EnsureEditor() {
+    if (g_pDlgPlcDataLibEdit != nullptr) {
+        return true;
+    }
+    g_pDlgPlcDataLibEdit = new CDlgPlcDataLibEdit();
+    g_pDlgPlcDataLibEdit->onClosed = OnEditorClosed;
+    if (!g_pDlgPlcDataLibEdit->Create()) {
+        delete g_pDlgPlcDataLibEdit;
+        g_pDlgPlcDataLibEdit = nullptr;
+    }
+    return g_pDlgPlcDataLibEdit != nullptr;
+}
+
+}  // namespace
 
 void CPlcDataLibEditMain::Run() {
     // An ordinary network client may draw from the library but never edit it.
@@ -12,6 +46,23 @@ void CPlcDataLibEditMain::Run() {
         return;
     }
     host::Current().ActivateMainWindow();
+    if (!EnsureEditor()) {
+        return;
+    }
+    CDlgPlcDataLibEdit& dlg = *g_pDlgPlcDataLibEdit;
+    dlg.Refresh();
+    dlg.Show();
+    dlg.Activate();
+    if (dlg.minimized) {
+        dlg.Restore();
+    }
+}
+
+void DestroyLibraryEditor() {
+    if (g_pDlgPlcDataLibEdit != nullptr && g_pDlgPlcDataLibEdit->DestroyWindow()) {
+        delete g_pDlgPlcDataLibEdit;
+        g_pDlgPlcDataLibEdit = nullptr;
+    }
 }
 
 }  // namespace app

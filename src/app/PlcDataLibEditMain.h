@@ -1,12 +1,27 @@
-// The run of the library-editor command.
+// The run of the library-editor command, and the one editor it shows.
 #pragma once
 
+#include <functional>
+
+class CDlgPlcDataLibEdit;
+
+// The one library editor; null until the first run and again after the editor closes.
+extern CDlgPlcDataLibEdit* g_pDlgPlcDataLibEdit;
+
 namespace app {
+
+// Gives the edited library back to the server and releases the editing lock (installation
+// style 1). The network library installs it; until then closing in style 1 calls nothing.
+extern std::function<void()> g_checkInLibrary;
 
 class CPlcDataLibEditMain {
 public:
     virtual ~CPlcDataLibEditMain() = default;
+    // Creates the editor when none is open, refreshes it and shows it.
     void Run();
 };
+
+// Destroys the editor on unload: its window first, and only if that succeeds the object.
+void DestroyLibraryEditor();
 
 }  // namespace app

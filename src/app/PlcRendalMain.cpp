@@ -1,5 +1,7 @@
 #include "app/PlcRendalMain.h"
 
+#include "app/PlcDataLibEditMain.h"
+
 #include <filesystem>
 
 #include "draw/DlgPlcRendal.h"
@@ -139,6 +141,7 @@ void DestroyPluginDialogs() {
         delete g_pDlgPlcRendal;
         g_pDlgPlcRendal = nullptr;
     }
+    DestroyLibraryEditor();
 }
 
 }  // namespace app

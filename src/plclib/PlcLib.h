@@ -4,6 +4,7 @@
 // "执行数据库操作时出错,错误信息:%s" with the engine's message) and the operation returns false.
 #pragma once
 
+#include <functional>
 #include <initializer_list>
 #include <memory>
 #include <optional>
@@ -69,6 +70,11 @@ public:
     bool LoadTerminals(const std::string& manufacturer, const std::string& series,
                        const std::string& type, const std::string& code, CPlcPartData& entry);
 
+    // Receives every statement run through Execute and Query (and so RenameCode and
+    // ShiftSequences), as issued in Access SQL, with whether it succeeded.
+    using StatementObserver = std::function<void(const std::string& statement, bool succeeded)>;
+    void SetStatementObserver(StatementObserver observer) { observer_ = std::move(observer); }
+
     // Runs one statement that returns no rows; true when the engine raised no error.
     bool Execute(const std::string& statement);
     // Runs a query; the rows, or nullopt after the error was shown.
@@ -108,4 +114,5 @@ private:
     std::unique_ptr<plcdb::Connection> connection_;
     std::string path_;
     EntryList entries_;
+    StatementObserver observer_;
 };

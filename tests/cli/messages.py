@@ -13,7 +13,7 @@ import pathlib
 import re
 import sys
 
-CALLS = ("ShowMessage", "Print", "Warn", "GetPoint", "Drag", "Format", "Format2")
+CALLS = ("ShowMessage", "Print", "Warn", "Tell", "Confirm", "GetPoint", "Drag", "Format", "Format2")
 CALL_RE = re.compile(r"\b(" + "|".join(CALLS) + r")\s*\(")
 CONSTANT_RE = re.compile(r"\bk\w*(?:Format|Message|Caption)\w*\s*=\s*((?:\"(?:[^\"\\]|\\.)*\"\s*)+);")
 LITERAL_RE = re.compile(r'"((?:[^"\\]|\\.)*)"')
