@@ -2,6 +2,7 @@
 
 #include "host/Host.h"
 #include "host/SuiteServices.h"
+#include "netlib/NetworkRuns.h"
 
 namespace app {
 
@@ -12,6 +13,10 @@ void CPlcDataLibEditMain::Run() {
         return;
     }
     host::Current().ActivateMainWindow();
+    if (suite::GetCurZandrixInstallStyle() == 1 &&
+        netlib::RunEditorServerSteps() != netlib::ServerSteps::GoOn) {
+        return;
+    }
 }
 
 }  // namespace app

@@ -52,8 +52,8 @@ std::string EscapePath(std::string_view path) {
             end = path.size();
         }
         if (end > start) {
-            char* escaped = curl_easy_escape(nullptr, path.data() + start,
-                                             static_cast<int>(end - start));
+            char* escaped =
+                curl_easy_escape(nullptr, path.data() + start, static_cast<int>(end - start));
             if (!out.empty()) {
                 out += '/';
             }
@@ -130,7 +130,8 @@ void FtpSession::Prepare(const std::string& url) {
     curl_easy_setopt(curl, CURLOPT_NOBODY, 0L);
     curl_easy_setopt(curl, CURLOPT_UPLOAD, 0L);
     curl_easy_setopt(curl, CURLOPT_QUOTE, nullptr);
-    curl_easy_setopt(curl, CURLOPT_FTP_CREATE_MISSING_DIRS, static_cast<long>(CURLFTP_CREATE_DIR_NONE));
+    curl_easy_setopt(curl, CURLOPT_FTP_CREATE_MISSING_DIRS,
+                     static_cast<long>(CURLFTP_CREATE_DIR_NONE));
     curl_easy_setopt(curl, CURLOPT_WRITEFUNCTION, DiscardBytes);
     curl_easy_setopt(curl, CURLOPT_WRITEDATA, nullptr);
     curl_easy_setopt(curl, CURLOPT_READDATA, nullptr);
@@ -160,8 +161,7 @@ FtpResult FtpSession::Send(std::FILE* file, std::string_view path) {
     CURL* curl = Handle(curl_);
     curl_easy_setopt(curl, CURLOPT_UPLOAD, 1L);
     curl_easy_setopt(curl, CURLOPT_READDATA, file);
-    curl_easy_setopt(curl, CURLOPT_FTP_CREATE_MISSING_DIRS,
-                     static_cast<long>(CURLFTP_CREATE_DIR));
+    curl_easy_setopt(curl, CURLOPT_FTP_CREATE_MISSING_DIRS, static_cast<long>(CURLFTP_CREATE_DIR));
     return Perform();
 }
 

@@ -47,7 +47,6 @@ std::optional<std::string> Unscramble(std::string_view line);
 // read as empty.
 std::optional<LoginSettings> ReadLoginSettings(const std::string& path, std::string* error);
 // Writes the eleven lines whole, mode 0600; false with `error` set on failure.
-bool WriteLoginSettings(const std::string& path, const LoginSettings& settings,
-                        std::string* error);
+bool WriteLoginSettings(const std::string& path, const LoginSettings& settings, std::string* error);
 
 }  // namespace netlib

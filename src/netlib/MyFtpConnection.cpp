@@ -166,8 +166,7 @@ CMyFtpConnection::Step CMyFtpConnection::WithRetry(Transfer transfer) {
     return transfer();
 }
 
-bool CMyFtpConnection::DownloadTo(const std::string& remote, const std::string& local,
-                                  bool sync) {
+bool CMyFtpConnection::DownloadTo(const std::string& remote, const std::string& local, bool sync) {
     if (RefuseUnsafe(remote)) {
         return false;
     }
@@ -324,8 +323,8 @@ bool CMyFtpConnection::DownloadWithEditLock(const std::string& local,
         if (!IsConnected()) {
             return false;  // no answer from the server is no "the file is not there"
         }
-        host::ShowMessage(netlib::FillFormat(netlib::kServerHasNoFileFormat, {fileName}),
-                          kCaption, host::MsgIcon::Information);
+        host::ShowMessage(netlib::FillFormat(netlib::kServerHasNoFileFormat, {fileName}), kCaption,
+                          host::MsgIcon::Information);
         return true;
     }
     const std::string lock = remote + ".bak";

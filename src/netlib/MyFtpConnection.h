@@ -21,7 +21,7 @@ struct CheckInReport {
     bool revoked = false;        // the lock was no longer this host's: nothing was sent
     std::string revokedMessage;  // the text composed when the lock was found revoked
     bool libraryOutOfDate = false;
-    bool sent = false;          // the library and its stamp went to the server
+    bool sent = false;  // the library and its stamp went to the server
     bool sendFailed = false;
     bool lockReleased = false;
 };

@@ -25,7 +25,8 @@ inline constexpr const char* kLibraryLockedByHostFormat =
     "主机IP为%s的用户正在进行PLC数据库编辑操作，是否强制执行!";
 
 // The format with each %s replaced by the next value, in order.
-inline std::string FillFormat(std::string_view format, std::initializer_list<std::string_view> values) {
+inline std::string FillFormat(std::string_view format,
+                              std::initializer_list<std::string_view> values) {
     std::string text;
     auto value = values.begin();
     for (size_t i = 0; i < format.size(); ++i) {

@@ -62,9 +62,9 @@ ServerSteps TakeLockByHand(CMyFtpConnection& connection) {
             holder = ReadFirstLine(copy).value_or("");
         }
         if (!SameHost(holder, me)) {
-            const auto answer = host::ShowMessage(
-                FillFormat(kLibraryLockedByHostFormat, {holder}), kCaption,
-                host::MsgIcon::Information, host::MsgButtons::YesNo);
+            const auto answer =
+                host::ShowMessage(FillFormat(kLibraryLockedByHostFormat, {holder}), kCaption,
+                                  host::MsgIcon::Information, host::MsgButtons::YesNo);
             if (answer != host::MsgResult::Yes) {
                 return ServerSteps::Declined;
             }
@@ -104,15 +104,18 @@ bool IsLibraryOpenHere(const std::string& path) {
     return open;
 }
 
-ServerSteps RunEditorServerSteps() {
+ServerSteps RunEditorServerSteps(std::string* error) {
     CMyFtpConnection connection;
     if (!connection.Connect()) {
+        if (error) {
+            *error = connection.LastError();
+        }
         return ServerSteps::NoServer;
     }
     ForgetStampOfMissingLibrary();
     const bool openHere = IsLibraryOpenHere(LocalPath(kLocalLibrary));
-    const ServerSteps result = !openHere && IsLibraryOutOfDate() ? FetchWithLock(connection)
-                                                                  : TakeLockByHand(connection);
+    const ServerSteps result =
+        !openHere && IsLibraryOutOfDate() ? FetchWithLock(connection) : TakeLockByHand(connection);
     connection.Close();
     return result;
 }

@@ -16,8 +16,9 @@ enum class ServerSteps {
 // The editor run's server steps (installation style 1): connect, compare the stamps, fetch
 // the server's library with its editing lock when the local copy is out of date, else take
 // the lock by hand (asking before forcing another host's), then close. Anything but GoOn
-// ends the run without opening the editor.
-ServerSteps RunEditorServerSteps();
+// ends the run without opening the editor. `error`, when given, gets why the connection
+// failed.
+ServerSteps RunEditorServerSteps(std::string* error = nullptr);
 
 // The drawing run's server step (installation styles 1 and 2): a missing local library is
 // fetched from the server. A failed connection is silent; the run goes on either way.

@@ -142,9 +142,9 @@ TEST(ConnectionTest, StalledServerFailsWithinTheTimeOutsInsteadOfHanging) {
     server.SetHooks(R"({"stall_on": ["RETR"]})");
     const auto start = std::chrono::steady_clock::now();
     EXPECT_FALSE(connection.Download("a.txt", ws.Local("a.txt").string()));
-    const auto seconds = std::chrono::duration_cast<std::chrono::seconds>(
-                             std::chrono::steady_clock::now() - start)
-                             .count();
+    const auto seconds =
+        std::chrono::duration_cast<std::chrono::seconds>(std::chrono::steady_clock::now() - start)
+            .count();
     // Two attempts of at most one 6 s time-out each, and the reconnection between them.
     EXPECT_LT(seconds, 25);
     EXPECT_FALSE(std::filesystem::exists(ws.Local("a.txt")));
@@ -203,7 +203,8 @@ TEST(ConnectionTest, FailedUploadIsReported) {
     server.SetHooks(R"({"drop": 2, "drop_on": ["STOR"]})");
     EXPECT_FALSE(connection.Upload(ws.Local("a.txt").string(), "PLC/a.txt"));
     ASSERT_EQ(ws.host.messages.size(), 1u);
-    EXPECT_EQ(ws.host.messages[0].text, "文件 PLC/a.txt 上传失败，请确认是否被其它客户端用户调用！");
+    EXPECT_EQ(ws.host.messages[0].text,
+              "文件 PLC/a.txt 上传失败，请确认是否被其它客户端用户调用！");
     EXPECT_EQ(ws.host.messages[0].icon, host::MsgIcon::Exclamation);
 }
 

@@ -20,11 +20,16 @@ FtpTestServer::FtpTestServer(ServerOptions options) : home_(dir_.Path() / "home"
     if (::pipe(out) != 0) {
         throw std::runtime_error("pipe");
     }
-    const std::string script = (testing_support::SourceDir() / "tests/netlib/ftp_server.py").string();
-    std::vector<std::string> args = {testing_support::Python(), script,
-                                     "--home", home_.string(),
-                                     "--log", (dir_.Path() / "commands.log").string(),
-                                     "--hooks", (dir_.Path() / "hooks.json").string()};
+    const std::string script =
+        (testing_support::SourceDir() / "tests/netlib/ftp_server.py").string();
+    std::vector<std::string> args = {testing_support::Python(),
+                                     script,
+                                     "--home",
+                                     home_.string(),
+                                     "--log",
+                                     (dir_.Path() / "commands.log").string(),
+                                     "--hooks",
+                                     (dir_.Path() / "hooks.json").string()};
     if (!options.user.empty()) {
         args.insert(args.end(), {"--user", options.user, "--password", options.password});
     }
@@ -111,8 +116,8 @@ void Workstation::Enter() {
     env_.clear();
     env_.push_back(std::make_unique<testing_support::ScopedEnv>("ZANDRIX_LOCAL_DIR",
                                                                 (dir_.Path() / "local").string()));
-    env_.push_back(std::make_unique<testing_support::ScopedEnv>(
-        "ZANDRIX_COMMON_DIR", (dir_.Path() / "common").string()));
+    env_.push_back(std::make_unique<testing_support::ScopedEnv>("ZANDRIX_COMMON_DIR",
+                                                                (dir_.Path() / "common").string()));
     env_.push_back(std::make_unique<testing_support::ScopedEnv>("ZANDRIX_HOST_NAME", hostName_));
     env_.push_back(std::make_unique<testing_support::ScopedEnv>("ZANDRIX_INSTALL_STYLE", "1"));
     host::Install(&host);

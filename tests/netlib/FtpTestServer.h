@@ -60,7 +60,9 @@ public:
     Workstation& operator=(const Workstation&) = delete;
     netlib::LoginSettings settings;
     void SaveSettings() const;
-    std::filesystem::path Local(const std::string& relative) const { return dir_ / "local" / relative; }
+    std::filesystem::path Local(const std::string& relative) const {
+        return dir_ / "local" / relative;
+    }
     // Activates this workstation's environment (folders, host name, style 1).
     void Enter();
     testing_support::RecordingHost host;

@@ -38,8 +38,8 @@ TEST(LockTest, ServerWithoutTheLibraryIsReportedAndTheCallerGoesOn) {
     Workstation ws(server, "alpha");
     CMyFtpConnection connection;
     ASSERT_TRUE(connection.Connect());
-    EXPECT_TRUE(connection.DownloadWithEditLock(ws.Local("PLC/QvPLC.db").string(), "PLC\\",
-                                                "QvPLC.db"));
+    EXPECT_TRUE(
+        connection.DownloadWithEditLock(ws.Local("PLC/QvPLC.db").string(), "PLC\\", "QvPLC.db"));
     ASSERT_EQ(ws.host.messages.size(), 1u);
     EXPECT_EQ(ws.host.messages[0].text, "服务器上不存在<QvPLC.db>文件！");
     EXPECT_EQ(ws.host.messages[0].icon, host::MsgIcon::Information);
@@ -52,8 +52,8 @@ TEST(LockTest, FreeLibraryIsFetchedAndLockedWithThisHostsIdentity) {
     Workstation ws(server, "alpha");
     CMyFtpConnection connection;
     ASSERT_TRUE(connection.Connect());
-    ASSERT_TRUE(connection.DownloadWithEditLock(ws.Local("PLC/QvPLC.db").string(), "PLC/",
-                                                "QvPLC.db"));
+    ASSERT_TRUE(
+        connection.DownloadWithEditLock(ws.Local("PLC/QvPLC.db").string(), "PLC/", "QvPLC.db"));
     EXPECT_EQ(ReadFile(ws.Local("PLC/QvPLC.db")), "server library");
     EXPECT_EQ(server.Get(kLock), ws.Identity() + "\n");
     EXPECT_FALSE(std::filesystem::exists(ws.Local("TempFTP/LocalIP.txt")));
@@ -69,8 +69,8 @@ TEST(LockTest, LockOfAnotherHostAnsweredNoChangesNothing) {
     CMyFtpConnection connection;
     ASSERT_TRUE(connection.Connect());
     ws.host.messageAnswers.push_back(host::MsgResult::No);
-    EXPECT_FALSE(connection.DownloadWithEditLock(ws.Local("PLC/QvPLC.db").string(), "PLC/",
-                                                 "QvPLC.db"));
+    EXPECT_FALSE(
+        connection.DownloadWithEditLock(ws.Local("PLC/QvPLC.db").string(), "PLC/", "QvPLC.db"));
     EXPECT_TRUE(connection.Declined());
     ASSERT_EQ(ws.host.messages.size(), 1u);
     EXPECT_EQ(ws.host.messages[0].text,
@@ -90,8 +90,8 @@ TEST(LockTest, LockOfAnotherHostAnsweredYesIsRewrittenWithThisHost) {
     CMyFtpConnection connection;
     ASSERT_TRUE(connection.Connect());
     ws.host.messageAnswers.push_back(host::MsgResult::Yes);
-    ASSERT_TRUE(connection.DownloadWithEditLock(ws.Local("PLC/QvPLC.db").string(), "PLC/",
-                                                "QvPLC.db"));
+    ASSERT_TRUE(
+        connection.DownloadWithEditLock(ws.Local("PLC/QvPLC.db").string(), "PLC/", "QvPLC.db"));
     EXPECT_EQ(ReadFile(ws.Local("PLC/QvPLC.db")), "server library");
     EXPECT_EQ(FirstLine(server.Get(kLock)), ws.Identity());
 }
@@ -107,8 +107,8 @@ TEST(LockTest, LockNamingThisHostInOtherCaseIsNotAskedAbout) {
     server.Put(kLock, upper + "\n");
     CMyFtpConnection connection;
     ASSERT_TRUE(connection.Connect());
-    ASSERT_TRUE(connection.DownloadWithEditLock(ws.Local("PLC/QvPLC.db").string(), "PLC/",
-                                                "QvPLC.db"));
+    ASSERT_TRUE(
+        connection.DownloadWithEditLock(ws.Local("PLC/QvPLC.db").string(), "PLC/", "QvPLC.db"));
     EXPECT_TRUE(ws.host.messages.empty());
     EXPECT_EQ(ReadFile(ws.Local("PLC/QvPLC.db")), "server library");
     EXPECT_EQ(server.Get(kLock), upper + "\n");  // still this host's

@@ -8,8 +8,8 @@
 using testing_support::TempDir;
 
 TEST(LoginSettingsTest, ScramblingIsReversibleAndHidesTheText) {
-    for (const std::string& plain : std::vector<std::string>{"", "s3cret", "团队 库/v#1", std::string(300, 'a'),
-                                    std::string("\x01\xff", 2)}) {
+    for (const std::string& plain : std::vector<std::string>{
+             "", "s3cret", "团队 库/v#1", std::string(300, 'a'), std::string("\x01\xff", 2)}) {
         const std::string scrambled = netlib::Scramble(plain);
         EXPECT_EQ(scrambled.find_first_not_of("0123456789ABCDEF"), std::string::npos);
         EXPECT_EQ(netlib::Unscramble(scrambled), plain);
