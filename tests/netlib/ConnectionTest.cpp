@@ -2,7 +2,9 @@
 // their one reconnection, time-outs, the safe upload and names that need escaping.
 #include <gtest/gtest.h>
 
+#include <atomic>
 #include <chrono>
+#include <thread>
 
 #include "FtpTestServer.h"
 #include "netlib/MyFtpConnection.h"
@@ -246,4 +248,37 @@ TEST(ConnectionTest, LineBreaksInNamesAreRefusedBeforeAnythingIsSent) {
     server.ClearLog();
     EXPECT_FALSE(connection.Connect());
     EXPECT_TRUE(server.Log().empty());
+}
+
+TEST(ConnectionTest, ReaderFetchingDuringALargeSafeUploadGetsAWholeLibrary) {
+    FtpTestServer server;
+    const std::string oldLibrary(2 << 20, 'o');
+    const std::string newLibrary(4 << 20, 'n');
+    server.Put("lib/PLC/QvPLC.db", oldLibrary);
+    Workstation ws(server, "alpha");
+    WriteFile(ws.Local("LocalData/Ftp.bg"), "");
+    WriteFile(ws.Local("PLC/QvPLC.db"), newLibrary);
+    server.SetHooks(R"({"stor_rate": 1048576})");  // the send takes seconds
+
+    CMyFtpConnection writer;
+    ASSERT_TRUE(writer.Connect());
+    std::atomic<bool> done = false;
+    bool sent = false;
+    std::thread upload([&] {
+        sent = writer.Upload(ws.Local("PLC/QvPLC.db").string(), "PLC/QvPLC.db");
+        done = true;
+    });
+    CMyFtpConnection reader;
+    ASSERT_TRUE(reader.Connect());
+    int fetchedDuringUpload = 0;
+    for (int i = 0; i < 50 && !done; ++i) {
+        ASSERT_TRUE(reader.Download("PLC/QvPLC.db", ws.Local("read.db").string()));
+        const std::string got = ReadFile(ws.Local("read.db"));
+        EXPECT_TRUE(got == oldLibrary || got == newLibrary) << got.size() << " bytes";
+        fetchedDuringUpload += done ? 0 : 1;
+    }
+    upload.join();
+    EXPECT_TRUE(sent);
+    EXPECT_GT(fetchedDuringUpload, 0);
+    EXPECT_EQ(server.Get("lib/PLC/QvPLC.db"), newLibrary);
 }

@@ -12,7 +12,7 @@ server's behaviour while it runs:
   {"drop": N, "drop_on": ["RETR"]}  close the control connection instead of running the
                                     next N commands named in drop_on (RETR by default)
   {"stall_on": ["RETR"]}            never answer those commands (the client must time out)
-  {"slow_stor": SECONDS}            hold each STOR's data this long before it completes
+  {"stor_rate": BYTES}              take in each STOR's data at this many bytes a second
 Counters written back to the file go down as the hooks fire.
 """
 import argparse
@@ -23,7 +23,7 @@ import sys
 import time
 
 from pyftpdlib.authorizers import DummyAuthorizer
-from pyftpdlib.handlers import FTPHandler, DTPHandler
+from pyftpdlib.handlers import FTPHandler, ThrottledDTPHandler
 from pyftpdlib.servers import FTPServer
 
 
@@ -44,22 +44,10 @@ def write_hooks(path, hooks):
     os.replace(tmp, path)
 
 
-class SlowDTPHandler(DTPHandler):
-    """Holds the received data back for a while before the file is closed."""
-
-    def handle_close(self):
-        delay = getattr(self.cmd_channel, "slow_stor", 0)
-        if self.receive and delay:
-            self.cmd_channel.slow_stor = 0
-            self.ioloop.call_later(delay, super().handle_close)
-            return
-        super().handle_close()
-
-
 class HookedHandler(FTPHandler):
     log_path = None
     hooks_path = None
-    dtp_handler = SlowDTPHandler
+    dtp_handler = ThrottledDTPHandler
 
     def pre_process_command(self, line, cmd, arg):
         if self.log_path:
@@ -74,7 +62,8 @@ class HookedHandler(FTPHandler):
             self.close()
             return
         if cmd == "STOR":
-            self.slow_stor = hooks.get("slow_stor", 0)
+            # Bytes per second the server takes in (0: as fast as they come).
+            ThrottledDTPHandler.read_limit = hooks.get("stor_rate", 0)
         super().pre_process_command(line, cmd, arg)
 
 
