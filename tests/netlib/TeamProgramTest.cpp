@@ -130,9 +130,10 @@ TEST_F(TeamProgramTest, LoginFileRoundTripAndAServerThatIsNotThere) {
     EXPECT_EQ(Run("alpha", "net login --server h --anonymous --user u").code, cli::kExitUsage);
 }
 
-// Two clients that test the lock at the same moment can both find it free: the lock file then
-// names whichever sent it last, and the other learns it was overtaken at its check-in, which
-// sends nothing.
+// Two clients that test the lock at the same moment can both find it free and both fetch the
+// library: the lock file then names whichever sent it last, and the other learns that it was
+// overtaken only at its check-in, which sends nothing. The lock is advisory; nothing stronger
+// is promised.
 TEST_F(TeamProgramTest, TwoClientsRacingForTheLockEndWithOneHolder) {
     server.Put("plc lib/PLC/QvPLC.db", "v1");
     server.Put("plc lib/PLC/QvPLC.tim", "stamp\n");
@@ -146,9 +147,12 @@ TEST_F(TeamProgramTest, TwoClientsRacingForTheLockEndWithOneHolder) {
                 " ZANDRIX_INSTALL_STYLE=1 '" + qvplc + "' net checkout --no >/dev/null 2>&1 & ";
     }
     ASSERT_EQ(std::system((both + "wait").c_str()), 0);
-    const std::string holder = ReadFile(server.Home() / "plc lib/PLC/QvPLC.db.bak");
-    ASSERT_TRUE(holder == "(alpha)\n" || holder == "(beta)\n") << holder;
-    const std::string loser = holder == "(alpha)\n" ? "beta" : "alpha";
+    // Two sends of the lock at once may even leave the longer one's tail behind the shorter
+    // one: only the first line counts.
+    std::string holder = ReadFile(server.Home() / "plc lib/PLC/QvPLC.db.bak");
+    holder = holder.substr(0, holder.find('\n'));
+    ASSERT_TRUE(holder == "(alpha)" || holder == "(beta)") << holder;
+    const std::string loser = holder == "(alpha)" ? "beta" : "alpha";
     const std::string winner = loser == "alpha" ? "beta" : "alpha";
     EXPECT_EQ(Run(loser, "net checkin").code, cli::kExitRevoked);
     EXPECT_EQ(Run(winner, "net checkin").code, cli::kExitOk);
