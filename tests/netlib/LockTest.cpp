@@ -1,6 +1,7 @@
 // The editing lock that names its host, the stamps, the check-in and the runs' server steps,
 // with one or two workstations sharing a real FTP server.
 #include <gtest/gtest.h>
+#include <sqlite3.h>
 
 #include "FtpTestServer.h"
 #include "netlib/MyFtpConnection.h"
@@ -244,4 +245,27 @@ TEST(LockTest, DrawingFetchesOnlyAMissingLibrary) {
     netlib::FetchMissingLibrary();
     EXPECT_FALSE(std::filesystem::exists(ws.Local("PLC/QvPLC.db")));
     EXPECT_TRUE(ws.host.messages.empty());
+}
+
+TEST(LockTest, LibraryOpenOnThisMachineIsUsedAsItIsAndStillLocked) {
+    FtpTestServer server;
+    server.Put("lib/PLC/QvPLC.db", "server library");
+    server.Put("lib/PLC/QvPLC.tim", "stamp 2\n");
+    Workstation ws(server, "alpha");
+    const std::string library = ws.Local("PLC/QvPLC.db").string();
+    std::filesystem::create_directories(ws.Local("PLC"));
+    sqlite3* db = nullptr;
+    ASSERT_EQ(sqlite3_open(library.c_str(), &db), SQLITE_OK);
+    ASSERT_EQ(sqlite3_exec(db, "CREATE TABLE t(x); BEGIN EXCLUSIVE", nullptr, nullptr, nullptr),
+              SQLITE_OK);
+    const std::string before = ReadFile(library);
+    EXPECT_TRUE(netlib::IsLibraryOpenHere(library));
+    // Out of date, but open here: not fetched over, the lock is taken by hand.
+    EXPECT_EQ(netlib::RunEditorServerSteps(), netlib::ServerSteps::GoOn);
+    EXPECT_EQ(ReadFile(library), before);
+    EXPECT_EQ(server.Get(kLock), ws.Identity() + "\n");
+    sqlite3_exec(db, "ROLLBACK", nullptr, nullptr, nullptr);
+    EXPECT_FALSE(netlib::IsLibraryOpenHere(library));
+    sqlite3_close(db);
+    EXPECT_FALSE(netlib::IsLibraryOpenHere(ws.Local("PLC/none.db").string()));
 }
