@@ -14,7 +14,8 @@ packages=(build-essential cmake ninja-build pkg-config ccache
           libsqlite3-dev sqlite3 mdbtools mdbtools-dev
           libcairo2-dev fonts-wqy-microhei
           python3 python3-ezdxf python3-fonttools gettext help2man
-          librecad poppler-utils)
+          librecad poppler-utils
+          libcurl4-openssl-dev curl python3-pyftpdlib)
 
 install_packages() {
     local missing=()

@@ -20,6 +20,7 @@
 #include "ExitCodes.h"
 #include "FileErrors.h"
 #include "LibraryCheck.h"
+#include "NetStep.h"
 #include "app/PlcRendalApp.h"
 #include "app/PlcRendalMain.h"
 #include "cad/Dxf.h"
@@ -601,6 +602,7 @@ int RunDraw(const Arguments& args, CliHost& host) {
     if (!SplitModule(parsed->positional[0], request) || !ParseOptions(*parsed, request)) {
         return kExitUsage;
     }
+    RunDrawingNetworkStep();
     try {
         return DrawAndSave(request, host);
     } catch (const files::FileError& e) {

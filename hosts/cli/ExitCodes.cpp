@@ -16,6 +16,9 @@ constexpr ExitCodeRow kRows[] = {
     {kExitCannotWrite,
      "a file or folder cannot be written or reached (permission, read-only, "
      "missing folder, name too long)"},
+    {kExitNoServer,
+     "the library server cannot be reached, refused the login, or lacks the root folder"},
+    {kExitRevoked, "another host took the editing lock: the library was not sent"},
     {kExitInternal, "internal error in qvplc (please report it)"},
 };
 

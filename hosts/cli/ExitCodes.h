@@ -15,6 +15,8 @@ inline constexpr int kExitCancelled = 4;    // a question or a point was decline
 inline constexpr int kExitLocked = 5;       // the library or a file is in use by another program
 inline constexpr int kExitChanged = 6;      // a file changed on disk after it was read
 inline constexpr int kExitCannotWrite = 7;  // a file or folder cannot be written or reached
+inline constexpr int kExitNoServer = 8;     // the library server cannot be reached or logged in to
+inline constexpr int kExitRevoked = 9;      // another host took the editing lock: nothing was sent
 inline constexpr int kExitInternal = 70;    // a fault in qvplc itself
 
 struct ExitCodeRow {

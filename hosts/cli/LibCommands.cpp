@@ -11,6 +11,7 @@
 #include "ExitCodes.h"
 #include "FileErrors.h"
 #include "LibraryCheck.h"
+#include "NetStep.h"
 #include "dialog/LibraryTree.h"
 #include "files/AtomicFile.h"
 #include "host/SuiteServices.h"
@@ -99,6 +100,9 @@ void PrintLevel(const dialog::TreeNode& node, int depth) {
 }
 
 int RunTree(const ParsedArgs& args) {
+    if (!args.Has("library")) {
+        RunDrawingNetworkStep();
+    }
     CPlcLib lib;
     if (int code = Load(args, lib); code != kExitOk) {
         return code;

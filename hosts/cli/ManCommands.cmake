@@ -2,7 +2,8 @@
 # codes, the same for every command, are left to the page's main text).
 #   cmake -DQVPLC=path/to/qvplc -DOUT=commands.h2m -P ManCommands.cmake
 set(commands "lib init" "lib tree" "lib show" "lib migrate" "draw" "settings show"
-    "settings set" "dxf info" "dxf convert" "dxf render")
+    "settings set" "dxf info" "dxf convert" "dxf render" "net login" "net status"
+    "net checkout" "net checkin" "net publish")
 file(WRITE ${OUT} "[COMMANDS]\n")
 foreach(command ${commands})
     separate_arguments(words UNIX_COMMAND "${command}")

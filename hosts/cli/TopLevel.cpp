@@ -38,6 +38,8 @@ void PrintUsage(FILE* out) {
         "  ZANDRIX_LOCAL_DIR    local installation folder (PLC/QvPLC.db, LocalData/)\n"
         "  ZANDRIX_COMMON_DIR   common resource folder (SYMB2LIB/, Data/)\n"
         "  ZANDRIX_INSTALL_STYLE  0 single workstation, 1 or 2 network client\n"
+        "  ZANDRIX_HOST_NAME    the host name written into editing locks (default: the\n"
+        "                       machine's)\n"
         "A new user makes a library with 'qvplc lib init' (or 'qvplc lib init --sample').\n"
         "Messages go to standard error as 'qvplc GROUP: ...'; under an English locale\n"
         "(LANG, LC_MESSAGES or LC_ALL starting with \"en\") the system's messages are\n"

@@ -3,12 +3,16 @@
 #include "host/Host.h"
 #include "host/SuiteServices.h"
 #include "libedit/DlgPlcDataLibEdit.h"
+#include "netlib/MyFtpConnection.h"
+#include "netlib/NetworkRuns.h"
 
 CDlgPlcDataLibEdit* g_pDlgPlcDataLibEdit = nullptr;
 
 namespace app {
 
-std::function<void()> g_checkInLibrary;
+// The library goes back to the server and the editing lock is released; the connection
+// reports its own failures.
+std::function<void()> g_checkInLibrary = [] { CMyFtpConnection().CheckInLibrary(); };
 
 namespace {
 
@@ -46,6 +50,10 @@ void CPlcDataLibEditMain::Run() {
         return;
     }
     host::Current().ActivateMainWindow();
+    if (g_pDlgPlcDataLibEdit == nullptr && suite::GetCurZandrixInstallStyle() == 1 &&
+        netlib::RunEditorServerSteps() != netlib::ServerSteps::GoOn) {
+        return;  // every failure of the server steps ends the run before the editor opens
+    }
     if (!EnsureEditor()) {
         return;
     }

@@ -8,6 +8,7 @@
 #include "draw/SheetDrawing.h"
 #include "host/Host.h"
 #include "host/SuiteServices.h"
+#include "netlib/NetworkRuns.h"
 #include "plclib/PlcLib.h"
 
 CDlgPlcRendal* g_pDlgPlcRendal = nullptr;
@@ -61,17 +62,6 @@ void ShowDialog(CDlgPlcRendal& dlg) {
     }
 }
 
-// A network client without a local copy of the library marks its copy out of date, so that
-// the next fetch from the server replaces it.
-void PrepareNetworkCopy(const std::string& libraryPath) {
-    const int style = suite::GetCurZandrixInstallStyle();
-    std::error_code ec;
-    if ((style == 1 || style == 2) && !std::filesystem::exists(libraryPath, ec)) {
-        std::filesystem::remove(
-            suite::PathJoin(suite::GetZandrixLocalInstallPath(), "PLC/QvPLC.tim"), ec);
-    }
-}
-
 using SheetDraw = void (*)(CDlgPlcRendal&, cad::Database&);
 
 // The common part of RENDALFULL and DIVRENDAL: reshow the dialog, or draw what it asked for.
@@ -111,7 +101,10 @@ std::string LibraryPath() {
 }
 
 void CPlcRendalMain::RunRendal() {
-    PrepareNetworkCopy(LibraryPath());
+    const int style = suite::GetCurZandrixInstallStyle();
+    if (style == 1 || style == 2) {
+        netlib::FetchMissingLibrary();
+    }
     WaitCursor wait;
     const std::string path = LibraryPath();
     std::error_code ec;

@@ -29,10 +29,19 @@ std::string NewTimeStamp() {
     return text;
 }
 
-bool StampLibraryChange(const std::string& path) {
+bool WriteTimeStamp(const std::string& path, std::string_view author, std::string* error) {
+    std::string line = NewTimeStamp();
+    if (!author.empty()) {
+        line += ' ';
+        line += author;
+    }
     files::WriteOptions options;
     options.createFolders = true;  // PLC/ is the suite's own folder
-    if (!files::WriteWhole(path, NewTimeStamp() + "\n", nullptr, options)) {
+    return files::WriteWhole(path, line + "\n", error, options);
+}
+
+bool StampLibraryChange(const std::string& path) {
+    if (!WriteTimeStamp(path, {}, nullptr)) {
         host::Print("\n无法写入文件" + path + "\n");
         return false;
     }

@@ -4,6 +4,7 @@
 #pragma once
 
 #include <string>
+#include <string_view>
 
 namespace plcdb {
 
@@ -14,6 +15,11 @@ std::string TimeStampPath();
 
 // The stamp line for now: local time to the millisecond, "YYYY-MM-DD HH:MM:SS.mmm".
 std::string NewTimeStamp();
+
+// Writes a new stamp line whole: NewTimeStamp(), then a blank and `author` when one is given
+// (the network library names the writing host, so that two hosts never write the same
+// stamp). False with `error` set when the file cannot be written.
+bool WriteTimeStamp(const std::string& path, std::string_view author, std::string* error);
 
 // Writes a new stamp (one line, ended by a line feed) whole. False, with the message shown
 // on the host's command line, when the file cannot be written.

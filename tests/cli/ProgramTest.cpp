@@ -48,7 +48,7 @@ protected:
     std::string Library() const { return (local / "PLC/QvPLC.db").string(); }
     // Every line on standard error so far has the one prefix form (or continues a usage error).
     void ExpectOneMessageForm() const {
-        const std::regex form("^(qvplc (lib|draw|dxf|settings): .+|usage: .+|Try 'qvplc .+)$");
+        const std::regex form("^(qvplc (lib|draw|dxf|settings|net): .+|usage: .+|Try 'qvplc .+)$");
         std::istringstream lines(errors_);
         std::string line;
         int count = 0;

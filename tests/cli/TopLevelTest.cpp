@@ -58,10 +58,11 @@ TEST(TopLevelTest, TheExitCodeTableIsOneListOfDistinctCodes) {
     }
     for (int code :
          {cli::kExitOk, cli::kExitFailure, cli::kExitUsage, cli::kExitBadInput, cli::kExitCancelled,
-          cli::kExitLocked, cli::kExitChanged, cli::kExitCannotWrite, cli::kExitInternal}) {
+          cli::kExitLocked, cli::kExitChanged, cli::kExitCannotWrite, cli::kExitNoServer,
+          cli::kExitRevoked, cli::kExitInternal}) {
         EXPECT_EQ(codes.count(code), 1u) << code << " is not in the table";
     }
-    EXPECT_EQ(codes.size(), 9u);
+    EXPECT_EQ(codes.size(), 11u);
     EXPECT_EQ(cli::ExitCodeFor(cli::FileTrouble::InUse), cli::kExitLocked);
     EXPECT_EQ(cli::ExitCodeFor(cli::FileTrouble::ChangedOnDisk), cli::kExitChanged);
     EXPECT_EQ(cli::ExitCodeFor(cli::FileTrouble::Unreadable), cli::kExitBadInput);

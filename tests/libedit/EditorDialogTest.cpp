@@ -326,18 +326,25 @@ TEST_F(EditorTest, TheCommandCreatesOneEditorAndClosingForgetsIt) {
     EXPECT_FALSE(first->minimized);
 
     int checkIns = 0;
+    const auto serverCheckIn = app::g_checkInLibrary;
     app::g_checkInLibrary = [&] { ++checkIns; };
     first->OnClose();  // single workstation: nothing to give back
     EXPECT_EQ(g_pDlgPlcDataLibEdit, nullptr);
     EXPECT_EQ(checkIns, 0);
 
-    testing_support::ScopedEnv network("ZANDRIX_INSTALL_STYLE", "1");
     run.Run();
     ASSERT_NE(g_pDlgPlcDataLibEdit, nullptr);
-    g_pDlgPlcDataLibEdit->OnClose();
-    EXPECT_EQ(checkIns, 1);
-    EXPECT_EQ(g_pDlgPlcDataLibEdit, nullptr);
-    app::g_checkInLibrary = nullptr;
+    {
+        // A network client with editing rights gives the library back when it closes.
+        testing_support::ScopedEnv network("ZANDRIX_INSTALL_STYLE", "1");
+        g_pDlgPlcDataLibEdit->OnClose();
+        EXPECT_EQ(checkIns, 1);
+        EXPECT_EQ(g_pDlgPlcDataLibEdit, nullptr);
+        // Without a reachable server its editor does not open at all.
+        run.Run();
+        EXPECT_EQ(g_pDlgPlcDataLibEdit, nullptr);
+    }
+    app::g_checkInLibrary = serverCheckIn;
 
     run.Run();
     app::DestroyLibraryEditor();
