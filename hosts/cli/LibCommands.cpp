@@ -1,6 +1,7 @@
 // qvplc lib: the component library on the command line. `tree` and `show` read it the way the
 // dialogs do; `migrate` converts a Windows library (Access file) into this system's; `init`
-// makes a new one where the program looks for it.
+// makes a new one where the program looks for it. The editing commands (LibEditCommands.h)
+// change it through the library editor.
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -10,6 +11,7 @@
 #include "Commands.h"
 #include "ExitCodes.h"
 #include "FileErrors.h"
+#include "LibEditCommands.h"
 #include "LibraryCheck.h"
 #include "dialog/LibraryTree.h"
 #include "files/AtomicFile.h"
@@ -281,6 +283,16 @@ void PrintGroupUsage(FILE* out) {
                  "  show      print one module and its terminal rows\n"
                  "  migrate   convert a Windows library (.mdb) into PLC/QvPLC.db\n"
                  "  init      make a new library (empty, or --sample) in PLC/QvPLC.db\n\n"
+                 "Editing, through the library editor:\n"
+                 "  new-manufacturer, new-series, new-type, new-module\n"
+                 "                add to the tree\n"
+                 "  rename, delete    rename or delete a manufacturer, series, type or module\n"
+                 "  set-short, set-module\n"
+                 "                change a short name or a module's parameters\n"
+                 "  find          find the next node whose name contains a text\n"
+                 "  term append, term insert, term delete, term change, term reorder\n"
+                 "                change a module's terminal rows\n"
+                 "  edit          run a script of editing commands in one session\n\n"
                  "Every command takes --help.\n");
 }
 
@@ -290,6 +302,20 @@ int RunLib(const Arguments& args, CliHost& host) {
     if (args.empty() || args[0] == "--help" || args[0] == "-h") {
         PrintGroupUsage(args.empty() ? stderr : stdout);
         return args.empty() ? kExitUsage : kExitOk;
+    }
+    if (args[0] == "edit") {
+        return RunEditScript(Arguments(args.begin() + 1, args.end()), host);
+    }
+    size_t used = 0;
+    if (const EditCommand* command = FindEditCommand(args, used)) {
+        return RunEditCommand(*command,
+                              Arguments(args.begin() + static_cast<long>(used), args.end()), host);
+    }
+    if (args[0] == "term") {
+        std::fprintf(stderr,
+                     "qvplc lib: 'lib term' takes append, insert, delete, change or reorder\n"
+                     "usage: qvplc lib term <command> MANUFACTURER/SERIES/TYPE/CODE ...\n");
+        return kExitUsage;
     }
     for (const auto& sub : kSubcommands) {
         if (args[0] != sub.name) {
