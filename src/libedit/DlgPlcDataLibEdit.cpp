@@ -136,14 +136,16 @@ void CDlgPlcDataLibEdit::AddTermRow(const CPlcPartTermData& row) {
 }
 
 void CDlgPlcDataLibEdit::FillModuleList(const dialog::LastSelection& path) {
-    moduleList.Clear();
+    std::vector<dialog::ListRow> rows;
     for (const auto& entry : plcLib.Entries()) {
         if (!entry->code.empty() && entry->manufacturer == path.manufacturer &&
             entry->series == path.series && entry->type == path.type &&
             (path.code.empty() || entry->code == path.code)) {
-            AddModuleRow(*entry);
+            rows.push_back({{entry->code, entry->points, entry->moduleType, entry->description,
+                             entry->rating}});
         }
     }
+    moduleList.SetRows(std::move(rows));
 }
 
 void CDlgPlcDataLibEdit::FillTermList(CPlcPartData& module) {
@@ -152,10 +154,13 @@ void CDlgPlcDataLibEdit::FillTermList(CPlcPartData& module) {
         plcLib.LoadTerminals(module.manufacturer, module.series, module.type, module.code, module);
         module.marker = libedit::kTerminalsLoaded;
     }
-    termList.Clear();
+    // One change for the whole list: a view redraws once, not once per row.
+    std::vector<dialog::ListRow> rows;
+    rows.reserve(module.terminals.size());
     for (const auto& row : module.terminals) {
-        AddTermRow(*row);
+        rows.push_back({{row->sequence, row->termValue, row->termDesc, row->detailTermDesc}});
     }
+    termList.SetRows(std::move(rows));
 }
 
 void CDlgPlcDataLibEdit::SelectTreeNode(dialog::TreeNode* node) {

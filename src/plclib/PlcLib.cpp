@@ -46,7 +46,7 @@ bool CheckValues(std::initializer_list<std::string_view> values) {
 
 namespace {
 
-std::string Trim(std::string_view text) {
+std::string_view TrimView(std::string_view text) {
     size_t begin = 0;
     size_t end = text.size();
     while (begin < end && std::isspace(static_cast<unsigned char>(text[begin]))) {
@@ -55,36 +55,11 @@ std::string Trim(std::string_view text) {
     while (end > begin && std::isspace(static_cast<unsigned char>(text[end - 1]))) {
         --end;
     }
-    return std::string(text.substr(begin, end - begin));
+    return text.substr(begin, end - begin);
 }
 
-// The four fields of one PLC_MANUFACTURER row, trimmed.
-struct TypeRow {
-    std::string manufacturer, series, type, table;
-};
-
-// Reads PLC_MANUFACTURER whole; nullopt after an error was shown.
-std::optional<std::vector<TypeRow>> ReadTypeRows(plcdb::Connection& connection) {
-    std::string error;
-    auto cursor = connection.Select("Select * from PLC_MANUFACTURER", error);
-    if (!cursor) {
-        plcdb::ReportDatabaseError(error);
-        return std::nullopt;
-    }
-    const int m = cursor->Column("MANUFACTURER");
-    const int s = cursor->Column("SERIES");
-    const int t = cursor->Column("TYPE");
-    const int n = cursor->Column("TABLE_NAME");
-    std::vector<TypeRow> rows;
-    while (cursor->Next()) {
-        rows.push_back({Trim(cursor->TextView(m)), Trim(cursor->TextView(s)),
-                        Trim(cursor->TextView(t)), Trim(cursor->TextView(n))});
-    }
-    if (!cursor->Error().empty()) {
-        plcdb::ReportDatabaseError(cursor->Error());
-        return std::nullopt;
-    }
-    return rows;
+std::string Trim(std::string_view text) {
+    return std::string(TrimView(text));
 }
 
 }  // namespace
@@ -297,18 +272,32 @@ std::string CPlcLib::GetTableName(const std::string& manufacturer, const std::st
     if (!EnsureOpen()) {
         return {};
     }
-    auto rows = ReadTypeRows(*connection_);
-    if (!rows) {
+    // Read row by row and compared in place: every selection of a module asks, so the
+    // table is not copied whole each time.
+    std::string error;
+    auto cursor = connection_->Select("Select * from PLC_MANUFACTURER", error);
+    if (!cursor) {
+        plcdb::ReportDatabaseError(error);
         return {};
     }
-    if (rows->empty()) {
-        host::ShowMessage("厂家表数据为空", plcdb::kMessageCaption, host::MsgIcon::None);
-        return {};
-    }
-    for (const auto& row : *rows) {
-        if (row.manufacturer == manufacturer && row.series == series && row.type == type) {
-            return row.table;
+    const int m = cursor->Column("MANUFACTURER");
+    const int s = cursor->Column("SERIES");
+    const int t = cursor->Column("TYPE");
+    const int n = cursor->Column("TABLE_NAME");
+    bool anyRow = false;
+    while (cursor->Next()) {
+        anyRow = true;
+        if (TrimView(cursor->TextView(m)) == manufacturer &&
+            TrimView(cursor->TextView(s)) == series && TrimView(cursor->TextView(t)) == type) {
+            return std::string(TrimView(cursor->TextView(n)));
         }
+    }
+    if (!cursor->Error().empty()) {
+        plcdb::ReportDatabaseError(cursor->Error());
+        return {};
+    }
+    if (!anyRow) {
+        host::ShowMessage("厂家表数据为空", plcdb::kMessageCaption, host::MsgIcon::None);
     }
     return {};
 }
