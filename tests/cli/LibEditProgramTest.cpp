@@ -7,6 +7,7 @@
 
 #include <cstdlib>
 #include <fstream>
+#include <sstream>
 
 #include "ExitCodes.h"
 #include "LibEditCommands.h"
@@ -127,6 +128,12 @@ TEST_F(LibEditProgramTest, TreeCommandsChangeTheLibraryThroughTheEditor) {
     EXPECT_EQ(run.code, cli::kExitCancelled);
     EXPECT_NE(run.err.find("no answer given"), std::string::npos) << run.err;
     EXPECT_EQ(ReadFile(Library()), kept);
+    // The question has two lines; each keeps the prefix.
+    EXPECT_NE(run.err.find("\nqvplc lib: 确实要执行此操作 ?\n"), std::string::npos) << run.err;
+    std::istringstream lines(run.err);
+    for (std::string line; std::getline(lines, line);) {
+        EXPECT_EQ(line.rfind("qvplc lib: ", 0), 0u) << line;
+    }
     Ok("lib delete 'Acme Controls/AX 100' --yes");
     run = Qvplc("lib tree");
     EXPECT_NE(run.out.find("  Acme Controls\n"), std::string::npos);
