@@ -237,9 +237,10 @@ TEST_F(LibEditProgramTest, ScriptRunsUntilTheFirstFailingLineAndNamesIt) {
         << run.err;
     EXPECT_EQ(Rows("'Beta Co/B 1/Digital input/B-8'"), "1\t1\tfirst one\t\n");
 
-    // From standard input, with --yes: a failure on a later line keeps what came before.
-    run = Qvplc("lib edit --yes",
-                "term delete 'Beta Co/B 1/Digital input/B-8' 1\n"
+    // From standard input, a line with its own --yes: a failure on a later line keeps what
+    // came before.
+    run = Qvplc("lib edit",
+                "term delete 'Beta Co/B 1/Digital input/B-8' 1 --yes\n"
                 "term append 'Beta Co/B 1/Digital input/B-8' --value 7\n"
                 "rename 'Beta Co/B 9' X\n"
                 "term append 'Beta Co/B 1/Digital input/B-8' --value 8\n");
@@ -249,6 +250,10 @@ TEST_F(LibEditProgramTest, ScriptRunsUntilTheFirstFailingLineAndNamesIt) {
               std::string::npos)
         << run.err;
     EXPECT_EQ(Rows("'Beta Co/B 1/Digital input/B-8'"), "1\t7\t\t\n");
+    // --yes on the command line answers every line's questions.
+    EXPECT_EQ(Qvplc("lib edit --yes", "term delete 'Beta Co/B 1/Digital input/B-8' 1\n").code,
+              cli::kExitOk);
+    EXPECT_EQ(Rows("'Beta Co/B 1/Digital input/B-8'"), "");
 
     // A line that cannot be read stops the script before anything is changed.
     const std::string before = ReadFile(Library());
