@@ -6,7 +6,6 @@
 #include <cstdarg>
 #include <cstdio>
 #include <cstdlib>
-#include <set>
 
 #include "ExitCodes.h"
 #include "LibEditSpecs.h"
