@@ -1,11 +1,10 @@
 // The editing commands, each a short series of the user's clicks in the library editor.
 #include "LibEditCommands.h"
 
-#include "LibEditArgs.h"
-
 #include <cstdio>
 
 #include "ExitCodes.h"
+#include "LibEditArgs.h"
 #include "LibEditSpecs.h"
 #include "host/SuiteServices.h"
 #include "libedit/DlgPlcDataLibEdit.h"
