@@ -62,10 +62,11 @@ int EditSession::Open(const std::string& library, bool named) {
     host.RunPendingCommands();
     editor_ = g_pDlgPlcDataLibEdit;
     if (editor_ == nullptr) {
-        return Trouble(library);
+        // An ordinary network client is refused by the command itself, which said so.
+        return suite::GetCurZandrixInstallStyle() == 2 ? kExitFailure : Trouble(library);
     }
     if (!editor_->visible) {
-        // The command refused to show it (an ordinary network client); it said why.
+        // The command refused to show the editor made beforehand; it said why.
         Close();
         return kExitFailure;
     }

@@ -31,12 +31,13 @@ protected:
     void SetUp() override { ASSERT_EQ(Qvplc("lib init --sample").code, cli::kExitOk); }
 
     // Runs qvplc on the scratch local folder; `input` becomes its standard input.
-    Outcome Qvplc(const std::string& args, const std::string& input = "") {
+    Outcome Qvplc(const std::string& args, const std::string& input = "",
+                  const std::string& env = "") {
         testing_support::WriteFile(dir_ / "in", input);
         const std::string command =
             "env -u LC_ALL -u LC_MESSAGES LANG=C.UTF-8 ZANDRIX_LOCAL_DIR='" + local.string() +
-            "' ZANDRIX_COMMON_DIR='" + testing_support::CommonResDir().string() + "' '" +
-            (testing_support::BinaryDir() / "bin/qvplc").string() + "' " + args + " <'" +
+            "' ZANDRIX_COMMON_DIR='" + testing_support::CommonResDir().string() + "' " + env +
+            " '" + (testing_support::BinaryDir() / "bin/qvplc").string() + "' " + args + " <'" +
             (dir_ / "in").string() + "' >'" + (dir_ / "out").string() + "' 2>'" +
             (dir_ / "err").string() + "'";
         const int status = std::system(command.c_str());
@@ -213,6 +214,17 @@ TEST_F(LibEditProgramTest, NamedLibraryIsEditedAndTheLocalOneLeftAlone) {
     EXPECT_NE(Qvplc("lib tree --library '" + copy.string() + "'").out.find("  Copy Only\n"),
               std::string::npos);
     EXPECT_EQ(ReadFile(Library()), local);
+
+    // An ordinary network client may not edit, neither library.
+    const std::string copied = ReadFile(copy);
+    for (const std::string& library : {std::string(), " --library '" + copy.string() + "'"}) {
+        const Outcome run =
+            Qvplc("lib new-manufacturer Refused" + library, "", "ZANDRIX_INSTALL_STYLE=2");
+        EXPECT_EQ(run.code, cli::kExitFailure);
+        EXPECT_EQ(run.err, "qvplc lib: 普通客户端无运行此命令的权限！\n");
+    }
+    EXPECT_EQ(ReadFile(Library()), local);
+    EXPECT_EQ(ReadFile(copy), copied);
 }
 
 TEST_F(LibEditProgramTest, ScriptRunsUntilTheFirstFailingLineAndNamesIt) {
