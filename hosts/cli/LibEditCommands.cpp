@@ -339,11 +339,15 @@ std::optional<ParsedArgs> ParseEditArgs(const EditCommand& command, const Argume
     }
     const size_t count = parsed->positional.size();
     if (count < command.minArgs || count > command.maxArgs) {
-        error = Sprintf("%s takes %s; usage: %s", command.name,
-                        command.minArgs == 1 && command.maxArgs == 1   ? "one argument"
-                        : command.minArgs == 2 && command.maxArgs == 2 ? "two arguments"
-                                                                       : "a path and sequences",
-                        command.spec->usage.c_str());
+        const char* usage = command.spec->usage.c_str();
+        if (command.maxArgs == 1) {
+            error = Sprintf("%s takes one argument; usage: %s", command.name, usage);
+        } else if (command.minArgs == command.maxArgs) {
+            error = Sprintf("%s takes two arguments; usage: %s", command.name, usage);
+        } else {
+            error = Sprintf("%s takes a module and one or more sequence numbers; usage: %s",
+                            command.name, usage);
+        }
         return std::nullopt;
     }
     if (auto problem = command.check(*parsed)) {
