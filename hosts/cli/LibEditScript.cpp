@@ -88,12 +88,16 @@ bool ReadScript(std::istream& in, std::vector<ScriptStep>& steps) {
     return true;
 }
 
-// Reports a failed step; `where` is "line N: " in a script.
-int Report(const StepResult& result, const std::string& where, const std::string& what) {
-    if (!result.error.empty()) {
-        Complainf("%s%s", where.c_str(), result.error.c_str());
+// Reports a failed step: `what` is the command, or the script's line `line` (from 1).
+int Report(const StepResult& result, const std::string& what, int line = 0) {
+    if (line == 0 && !result.error.empty()) {
+        Complain(result.error);
+    } else if (line == 0) {
+        Complainf("'%s' did not complete", what.c_str());
+    } else if (!result.error.empty()) {
+        Complainf("line %d: %s", line, result.error.c_str());
     } else {
-        Complainf("%s'%s' did not complete", where.c_str(), what.c_str());
+        Complainf("line %d: '%s' did not complete", line, what.c_str());
     }
     return result.code;
 }
@@ -142,8 +146,7 @@ int RunEditCommand(const EditCommand& command, const Arguments& words, CliHost& 
     }
     const StepResult result = RunStep(command, session, *args);
     session.Close();
-    return result.code == kExitOk ? kExitOk
-                                  : Report(result, "", std::string("lib ") + command.name);
+    return result.code == kExitOk ? kExitOk : Report(result, std::string("lib ") + command.name);
 }
 
 int RunEditScript(const Arguments& words, CliHost& host) {
@@ -183,7 +186,7 @@ int RunEditScript(const Arguments& words, CliHost& host) {
         const StepResult result = RunStep(*step.command, session, step.args);
         if (result.code != kExitOk) {
             session.Close();
-            return Report(result, "line " + std::to_string(step.line) + ": ", step.text);
+            return Report(result, step.text, step.line);
         }
     }
     session.Close();
