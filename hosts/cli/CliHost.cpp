@@ -56,8 +56,19 @@ void CliHost::Print(std::string_view text) {
 
 host::MsgResult CliHost::MessageBox(const host::MessageBoxRequest& request) {
     const bool question = request.buttons != host::MsgButtons::Ok;
+    // A text of several lines ("...!\n\n确实要执行此操作 ?") keeps the prefix on each line.
+    const std::string text = WithTranslation(Trimmed(request.text));
+    std::string_view rest = text;
+    auto end = rest.find('\n');
     Complainf("%s: [%s] %s", IconWord(request.icon), request.caption.c_str(),
-              WithTranslation(Trimmed(request.text)).c_str());
+              std::string(rest.substr(0, end)).c_str());
+    while (end != std::string_view::npos) {
+        rest = rest.substr(end + 1);
+        end = rest.find('\n');
+        if (const std::string_view line = Trimmed(rest.substr(0, end)); !line.empty()) {
+            Complain(line);
+        }
+    }
     if (!question) {
         return host::MsgResult::Ok;
     }

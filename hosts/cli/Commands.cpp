@@ -13,7 +13,7 @@ const std::vector<CommandGroup>& Groups() {
         {"dxf", "read, convert and render DXF drawings", RunDxf},
         {"draw", "draw a library module into a DXF drawing", RunDraw},
         {"settings", "show and change the drawing settings", RunSettings},
-        {"lib", "make a library, read it, convert a Windows library", RunLib},
+        {"lib", "make a library, read and edit it, convert a Windows library", RunLib},
         {"net", "share the library over FTP: login, status, checkout, checkin", RunNet},
     };
     return groups;

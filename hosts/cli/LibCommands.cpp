@@ -1,6 +1,7 @@
 // qvplc lib: the component library on the command line. `tree` and `show` read it the way the
 // dialogs do; `migrate` converts a Windows library (Access file) into this system's; `init`
-// makes a new one where the program looks for it.
+// makes a new one where the program looks for it. The editing commands (LibEditCommands.h)
+// change it through the library editor.
 #include <cstdio>
 #include <filesystem>
 #include <fstream>
@@ -10,6 +11,7 @@
 #include "Commands.h"
 #include "ExitCodes.h"
 #include "FileErrors.h"
+#include "LibEditCommands.h"
 #include "LibraryCheck.h"
 #include "NetStep.h"
 #include "dialog/LibraryTree.h"
@@ -285,6 +287,19 @@ void PrintGroupUsage(FILE* out) {
                  "  show      print one module and its terminal rows\n"
                  "  migrate   convert a Windows library (.mdb) into PLC/QvPLC.db\n"
                  "  init      make a new library (empty, or --sample) in PLC/QvPLC.db\n\n"
+                 "Editing, through the library editor:\n"
+                 "  new-manufacturer  add a manufacturer\n"
+                 "  new-series        add a series to a manufacturer\n"
+                 "  new-type          add a type to a series\n"
+                 "  new-module        add a module to a type\n"
+                 "  rename            rename a manufacturer, series, type or module\n"
+                 "  delete            delete one with everything under it\n"
+                 "  set-short         change a manufacturer's short name\n"
+                 "  set-module        change a module's parameters\n"
+                 "  find              print the next node whose name contains a text\n"
+                 "  term append|insert|delete|change|reorder\n"
+                 "                    change a module's terminal rows\n"
+                 "  edit              run a script of editing commands in one session\n\n"
                  "Every command takes --help.\n");
 }
 
@@ -294,6 +309,20 @@ int RunLib(const Arguments& args, CliHost& host) {
     if (args.empty() || args[0] == "--help" || args[0] == "-h") {
         PrintGroupUsage(args.empty() ? stderr : stdout);
         return args.empty() ? kExitUsage : kExitOk;
+    }
+    if (args[0] == "edit") {
+        return RunEditScript(Arguments(args.begin() + 1, args.end()), host);
+    }
+    size_t used = 0;
+    if (const EditCommand* command = FindEditCommand(args, used)) {
+        return RunEditCommand(*command,
+                              Arguments(args.begin() + static_cast<long>(used), args.end()), host);
+    }
+    if (args[0] == "term") {
+        std::fprintf(stderr,
+                     "qvplc lib: 'lib term' takes append, insert, delete, change or reorder\n"
+                     "usage: qvplc lib term <command> MANUFACTURER/SERIES/TYPE/CODE ...\n");
+        return kExitUsage;
     }
     for (const auto& sub : kSubcommands) {
         if (args[0] != sub.name) {

@@ -16,24 +16,12 @@ std::function<void()> g_checkInLibrary = [] { CMyFtpConnection().CheckInLibrary(
 
 namespace {
 
-// Closing the editor ends it: the library goes back to the server (network style 1), and
-// the object and the pointer to it go.
-void OnEditorClosed(CDlgPlcDataLibEdit* dlg) {
-    if (suite::GetCurZandrixInstallStyle() == 1 && g_checkInLibrary) {
-        g_checkInLibrary();
-    }
-    if (g_pDlgPlcDataLibEdit == dlg) {
-        g_pDlgPlcDataLibEdit = nullptr;
-    }
-    delete dlg;
-}
-
 bool EnsureEditor() {
     if (g_pDlgPlcDataLibEdit != nullptr) {
         return true;
     }
     g_pDlgPlcDataLibEdit = new CDlgPlcDataLibEdit();
-    g_pDlgPlcDataLibEdit->onClosed = OnEditorClosed;
+    g_pDlgPlcDataLibEdit->onClosed = OnLibraryEditorClosed;
     if (!g_pDlgPlcDataLibEdit->Create()) {
         delete g_pDlgPlcDataLibEdit;
         g_pDlgPlcDataLibEdit = nullptr;
@@ -64,6 +52,16 @@ void CPlcDataLibEditMain::Run() {
     if (dlg.minimized) {
         dlg.Restore();
     }
+}
+
+void OnLibraryEditorClosed(CDlgPlcDataLibEdit* dlg) {
+    if (suite::GetCurZandrixInstallStyle() == 1 && g_checkInLibrary) {
+        g_checkInLibrary();
+    }
+    if (g_pDlgPlcDataLibEdit == dlg) {
+        g_pDlgPlcDataLibEdit = nullptr;
+    }
+    delete dlg;
 }
 
 void DestroyLibraryEditor() {

@@ -11,8 +11,12 @@ extern CDlgPlcDataLibEdit* g_pDlgPlcDataLibEdit;
 namespace app {
 
 // Gives the edited library back to the server and releases the editing lock (installation
-// style 1). The network library installs it; until then closing in style 1 calls nothing.
+// style 1): the network library's check-in unless a test puts something else in its place.
 extern std::function<void()> g_checkInLibrary;
+
+// What closing the editor ends with: the check-in in style 1, then the object and the
+// pointer to it go. An editor made by hand over another library file closes the same way.
+void OnLibraryEditorClosed(CDlgPlcDataLibEdit* dlg);
 
 class CPlcDataLibEditMain {
 public:

@@ -27,7 +27,8 @@ man1="$root/share/man/man1/qvplc.1"
 if [ -s "$man1" ]; then
     grep -q '^\.TH QVPLC "1"' "$man1" || fail "the manual page has no .TH header"
     for word in 'lib init' 'Exit codes' 'ZANDRIX_LOCAL_DIR' 'ENVIRONMENT' '.SS "qvplc draw"' \
-                '.SS "qvplc dxf render"' '\-\-pieces' '(完整绘制)'; do
+                '.SS "qvplc dxf render"' '\-\-pieces' '(完整绘制)' '.SS "qvplc lib term reorder"' \
+                '.SS "qvplc lib edit"'; do
         grep -qF -- "$word" "$man1" || fail "the manual page does not mention '$word'"
     done
     if command -v groff >/dev/null; then
@@ -47,6 +48,10 @@ bash -n "$completion" || fail "the completion file does not parse"
 [ "$(complete_words "$root/bin/qvplc" lib in)" = init ] || fail "completion of 'lib in'"
 complete_words "$root/bin/qvplc" lib init --sa | grep -qx -- --sample ||
     fail "completion of 'lib init --sa' misses --sample"
+[ "$(complete_words "$root/bin/qvplc" lib term reo)" = reorder ] ||
+    fail "completion of 'lib term reo' is not 'reorder'"
+complete_words "$root/bin/qvplc" lib term insert M/S/T/C --bef | grep -qx -- --before ||
+    fail "completion of 'lib term insert ... --bef' misses --before"
 complete_words "$root/bin/qvplc" draw --piec | grep -qx -- --pieces ||
     fail "completion of 'draw --piec' misses --pieces"
 
