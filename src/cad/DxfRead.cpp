@@ -12,6 +12,7 @@
 #include "cad/DxfReader.h"
 #include "cad/Encoding.h"
 #include "cad/Limits.h"
+#include "cad/Message.h"
 #include "cad/NumberText.h"
 #include "files/FileIdentity.h"
 
@@ -247,7 +248,7 @@ Handle Reader::Claim(Handle h, const Record& rec) {
         ++unhandled_;  // reported once, in Finish
         return fresh;
     }
-    if (db_->Object(h) != nullptr || blockHandles_.count(h) != 0) {
+    if (db_->Object(h) != nullptr || blockHandles_.count(h) != 0 || joined_.count(h) != 0) {
         const Handle fresh = db_->NewHandle();
         Generated(fresh);
         Repair("line " + std::to_string(rec.line) + ": " + std::string(rec.type) +
@@ -256,6 +257,16 @@ Handle Reader::Claim(Handle h, const Record& rec) {
     }
     db_->ReserveHandle(h);
     return h;
+}
+
+bool Reader::IsGenerated(Handle h) const {
+    const auto it = generated_.upper_bound(h);
+    return it != generated_.begin() && h < std::prev(it)->second;
+}
+
+Handle Reader::Resolve(Handle h) const {
+    const auto it = joined_.find(h);
+    return it != joined_.end() ? it->second : h;
 }
 
 Parsed Reader::Parse(const Record& rec, bool splitXData, bool body) const {
@@ -287,11 +298,22 @@ Parsed Reader::Parse(const Record& rec, bool splitXData, bool body) const {
     }
     p.segments.reserve(4);
     p.segments.push_back({"", {}});
+    bool inGroup = false;  // inside a 102 group, whose 330s point elsewhere
     for (; i < tags.size(); ++i) {
         const RawTag& t = tags[i];
         if (t.code >= 1000 && splitXData) {
             p.xdata.assign(tags.begin() + static_cast<long>(i), tags.end());
             break;
+        }
+        if (p.segments.size() == 1 && t.code == 102) {
+            inGroup = Trim(t.value) != "}";
+        }
+        if (t.code == 330 && !p.hasOwner && !inGroup && p.segments.size() == 1) {
+            // An owner after a stray group: still the owner, which a writer puts first; kept
+            // among the other tags it would come back first, and own the object.
+            p.hasOwner = true;
+            p.owner = Trim(t.value).empty() ? kNullHandle : Hex(t);
+            continue;
         }
         if (body) {
             p.body.push_back(t);
@@ -498,7 +520,6 @@ void Reader::Table(const Record& head, Record* first) {
         }
     }
     Parsed p = Parse(rest, false);
-    table->handle = Claim(p.handle, head);
     table->extra = std::make_unique<ExtraTags>();
     for (auto& s : p.segments) {
         for (const auto& t : s.tags) {
@@ -509,8 +530,29 @@ void Reader::Table(const Record& head, Record* first) {
         }
     }
     KeepAll(p.preOwner, table->extra->Get(""));
+    // One table of a name: a second one, or the file's own after the reader made one for
+    // what came before it, adds its records to the first. A second table's records would be
+    // found by no look-up, and the blocks of a second BLOCK_RECORD table never written.
+    if (const Handle same = db_->Table(table->name); same != kNullHandle) {
+        auto* kept = db_->Get<SymbolTable>(same);
+        if (StandsIn(same)) {
+            kept->extra = std::move(table->extra);
+        } else {
+            Repair(
+                FillMessage("line %d: table %s came a second time; its records were added to "
+                            "the first",
+                            {std::to_string(head.line), table->name}));
+        }
+        TableRecords(same, first);
+        return;
+    }
+    table->handle = Claim(p.handle, head);
     const Handle h = db_->Add(std::move(table));
     db_->MutableTables().push_back(h);
+    TableRecords(h, first);
+}
+
+void Reader::TableRecords(Handle h, Record* first) {
     if (first != nullptr) {
         if (old_) {
             AddRecordMarkers(*first);

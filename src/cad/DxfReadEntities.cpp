@@ -85,6 +85,19 @@ Handle Reader::NamedEntry(const std::string& name, const NamedTable& table) {
     return h;
 }
 
+// The block an INSERT draws, resolved when every block is known. An INSERT naming two
+// blocks draws the last, as other readers take it; the first name is reported, and makes
+// no block.
+void Reader::BlockNamed(std::string name, long line) {
+    if (!pendingBlocks_.empty() && pendingBlocks_.back().first == kNullHandle) {
+        Repair(FillMessage("line %d: an INSERT named block %s and then block %s; it draws %s",
+                           {std::to_string(line), pendingBlocks_.back().second, name, name}));
+        pendingBlocks_.back().second = std::move(name);
+        return;
+    }
+    pendingBlocks_.emplace_back(kNullHandle, std::move(name));
+}
+
 Handle Reader::LayerNamed(const std::string& name) {
     static const NamedTable layers{
         [](Database& db, const std::string& n) { return db.FindLayer(n); },
@@ -137,6 +150,7 @@ void Reader::EntityRecord(const Record& rec, Handle space) {
     const bool modelled =
         std::find(std::begin(kModelled), std::end(kModelled), rec.type) != std::end(kModelled);
     Parsed p = Parse(rec, true, !modelled);
+    p.owner = Resolve(p.owner);
     std::unique_ptr<Entity> e = BuildEntity(rec, p);
     e->handle = Claim(p.handle, rec);
     e->owner = p.owner;
@@ -630,7 +644,7 @@ bool Reader::TakeSpecific(Entity& e, const std::string& m, const RawTag& t,
                 case 66:
                     return true;
                 case 2:
-                    pendingBlocks_.emplace_back(0, Text(Trim(t.value)));
+                    BlockNamed(Text(Trim(t.value)), t.line);
                     return true;
                 case 41:
                     r.scale.x = Real(t);

@@ -1,8 +1,10 @@
 // Reading table records, blocks and objects, and completing the database afterwards.
+#include <algorithm>
 #include <functional>
 #include <unordered_map>
 
 #include "cad/DxfReader.h"
+#include "cad/Message.h"
 #include "cad/NumberText.h"
 
 namespace cad::dxfread {
@@ -137,8 +139,78 @@ void Reader::TableRecordOf(const Record& rec, SymbolTable& table) {
             }
         }
     }
+    if (modelled && JoinRecord(*record, p.handle, rec, table)) {
+        return;
+    }
     const Handle h = db_->Add(std::move(record));
     table.records.push_back(h);
+}
+
+namespace {
+
+// The file's values of a record the reader had to make before the file gave it.
+void TakeFields(TableRecord& kept, TableRecord& from) {
+    kept.name = from.name;
+    kept.flags = from.flags;
+    if (from.extra) {
+        kept.extra = std::move(from.extra);
+    }
+    if (auto* layer = Database::Cast<LayerRecord>(&kept)) {
+        const auto& f = static_cast<const LayerRecord&>(from);
+        layer->color = f.color;
+        layer->linetype = f.linetype;
+    } else if (auto* style = Database::Cast<TextStyleRecord>(&kept)) {
+        const auto& f = static_cast<const TextStyleRecord&>(from);
+        style->fixedHeight = f.fixedHeight;
+        style->widthFactor = f.widthFactor;
+        style->oblique = f.oblique;
+        style->lastHeight = f.lastHeight;
+        style->generation = f.generation;
+        style->font = f.font;
+        style->bigFont = f.bigFont;
+    } else if (auto* linetype = Database::Cast<LinetypeRecord>(&kept)) {
+        const auto& f = static_cast<const LinetypeRecord&>(from);
+        linetype->description = f.description;
+        linetype->pattern = f.pattern;
+    } else if (auto* block = Database::Cast<BlockRecord>(&kept)) {
+        block->layout = static_cast<const BlockRecord&>(from).layout;
+    }
+}
+
+}  // namespace
+
+// A record named like one already in its table is one record with it, found by either
+// handle: the reader made the first for what came before the table (an entity on a layer,
+// the model space's entities) and it takes the file's values; or the file repeats a block
+// record, whose second copy would otherwise be a space or block of its own that owns
+// entities and is never written.
+bool Reader::JoinRecord(TableRecord& record, Handle fileHandle, const Record& rec,
+                        const SymbolTable& table) {
+    if (record.name.empty()) {
+        return false;
+    }
+    const Handle existing = db_->FindRecord(table.name, record.name);
+    auto* kept = db_->Get<TableRecord>(existing);
+    if (kept == nullptr || kept->Kind() != record.Kind()) {
+        return false;
+    }
+    if (StandsIn(existing)) {
+        TakeFields(*kept, record);
+    } else if (auto* block = Database::Cast<BlockRecord>(kept)) {
+        if (block->layout == kNullHandle) {
+            block->layout = static_cast<const BlockRecord&>(record).layout;
+        }
+        Repair(
+            FillMessage("line %d: block record %s repeats the name of block record %s; the "
+                        "two were joined",
+                        {std::to_string(rec.line), record.name, FormatHandle(existing)}));
+    } else {
+        return false;
+    }
+    if (fileHandle != kNullHandle && record.handle == fileHandle) {
+        joined_[fileHandle] = existing;
+    }
+    return true;
 }
 
 // ---- blocks
@@ -339,7 +411,7 @@ void Reader::Objects(long line) {
             KeepAll(p.preOwner, object->extra->Get(""));
         }
         object->handle = Claim(p.handle, rec);
-        object->owner = p.owner;
+        object->owner = Resolve(p.owner);
         const bool root = db_->NamedObjects() == kNullHandle && rec.type == "DICTIONARY";
         const Handle h = db_->Add(std::move(object));
         db_->MutableObjects().push_back(h);
@@ -413,6 +485,7 @@ void Reader::Finish() {
         }
     }
     DefineUsedLinetypes();
+    OrderTables();
     for (const auto& [kind, count] : undefinedNames_) {
         if (count > kNamedRepairs) {
             Repair(std::to_string(count - kNamedRepairs) + " more " + kind +
@@ -441,6 +514,20 @@ void Reader::Finish() {
     db_->SetCurrentsFromHeader();
 }
 
+// Tables in the order readers expect, whatever order the file had or the reader made them
+// in: a layer is read after the line types it names.
+void Reader::OrderTables() {
+    static constexpr std::string_view kOrder[] = {
+        "VPORT", "LTYPE", "LAYER", "STYLE", "VIEW", "UCS", "APPID", "DIMSTYLE", "BLOCK_RECORD"};
+    auto rank = [this](Handle h) {
+        const auto* table = db_->Get<SymbolTable>(h);
+        const std::string_view name = table != nullptr ? table->name : "";
+        return std::find(std::begin(kOrder), std::end(kOrder), name) - std::begin(kOrder);
+    };
+    std::stable_sort(db_->MutableTables().begin(), db_->MutableTables().end(),
+                     [&rank](Handle a, Handle b) { return rank(a) < rank(b); });
+}
+
 // A layout names its block record, and a layout's block record names its layout. Writers
 // leave either link pointing at nothing; readers then refuse the file, so each is mended
 // from the other side, and a layout with neither is dropped.
@@ -467,6 +554,10 @@ void Reader::RepairLayouts() {
             }
         }
         Handle record = kNullHandle;
+        if (link != nullptr && ParseHandle(link->value, record) && Resolve(record) != record) {
+            record = Resolve(record);
+            link->value = FormatHandle(record);
+        }
         if (link != nullptr && ParseHandle(link->value, record) && db_->Block(record) != nullptr) {
             if (db_->Object(db_->Block(record)->layout) == nullptr) {
                 db_->Block(record)->layout = h;

@@ -58,6 +58,12 @@ private:
     Tag Keep(const RawTag& t) const;  // validated and decoded for storage
     void KeepAll(const std::vector<RawTag>& in, TagList& out) const;
     Handle Claim(Handle h, const Record& rec);
+    bool IsGenerated(Handle h) const;
+    // A table or record the reader made for what came before the file's own: the first of
+    // the file's of that name takes its place (once).
+    bool StandsIn(Handle h) { return IsGenerated(h) && given_.insert(h).second; }
+    // A file's handle of a record joined with another (see JoinRecord), or the handle itself.
+    Handle Resolve(Handle h) const;
     // Notes the handles made since the seed was `before`: a later object of the file that
     // claims one of them means the file's $HANDSEED was too small.
     void Generated(Handle before);
@@ -74,7 +80,10 @@ private:
     void Tables(long line);
     // `first`: a record already read that belongs to the table (its head was missing).
     void Table(const Record& head, Record* first = nullptr);
+    void TableRecords(Handle table, Record* first);
     void TableRecordOf(const Record& rec, SymbolTable& table);
+    bool JoinRecord(TableRecord& record, Handle fileHandle, const Record& rec,
+                    const SymbolTable& table);
     void Blocks(long line);
     void Block(const Record& rec, long sectionLine);
     void EntitiesSection(long line);
@@ -85,6 +94,7 @@ private:
     void RepairObjectOwners();
     void MendEllipse(UnknownEntity& e, const Record& rec);
     void DefineUsedLinetypes();
+    void OrderTables();
 
     // entities
     void CheckType(const Record& rec, const char* section) const;
@@ -103,6 +113,7 @@ private:
     Handle NamedEntry(const std::string& name, const NamedTable& table);
     Handle LayerNamed(const std::string& name);
     Handle StyleNamed(const std::string& name);
+    void BlockNamed(std::string name, long line);
     void Place(std::unique_ptr<Entity> e, Handle space, const Record& rec);
 
     Tokenizer tok_;
@@ -110,6 +121,8 @@ private:
     std::string charset_;
     bool utf8_ = false;
     std::unordered_set<Handle> blockHandles_;
+    std::unordered_map<Handle, Handle> joined_;  // a file's record handle -> the record kept
+    std::unordered_set<Handle> given_;           // made by the reader, then given by the file
     static constexpr long kNamedRepairs = 20;
     std::map<std::string, long> undefinedNames_;  // by kind: names used and not defined
     std::set<std::string> dimensionBlocks_;       // blocks dimensions draw with
