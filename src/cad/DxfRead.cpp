@@ -59,6 +59,7 @@ Reader::Reader(std::string_view data, std::string fileName)
 
 bool Reader::ReadRecord(Record& rec) {
     tok_.ReleaseConsumed();
+    recordStart_ = tok_.NextStart();
     RawTag t;
     if (!tok_.Next(t)) {
         return false;
@@ -243,19 +244,35 @@ Handle Reader::Claim(Handle h, const Record& rec) {
         }
     }
     if (h == kNullHandle) {
-        const Handle fresh = db_->NewHandle();
-        Generated(fresh);
+        const Handle fresh = Fresh();
         ++unhandled_;  // reported once, in Finish
         return fresh;
     }
     if (db_->Object(h) != nullptr || blockHandles_.count(h) != 0 || joined_.count(h) != 0) {
-        const Handle fresh = db_->NewHandle();
-        Generated(fresh);
+        const Handle fresh = Fresh();
         Repair("line " + std::to_string(rec.line) + ": " + std::string(rec.type) +
                " repeated handle " + FormatHandle(h) + "; given " + FormatHandle(fresh));
         return fresh;
     }
     db_->ReserveHandle(h);
+    return h;
+}
+
+// A file without a handle seed says nothing of the handles still to come: before the first
+// handle is made, the rest of the file is looked through for its highest one, so that no
+// handle made can be one the file gives later (which would mean reading it all again).
+Handle Reader::Making() {
+    if (!seedKnown_) {
+        seedKnown_ = true;
+        db_->ReserveHandle(tok_.HighestHandleFrom(recordStart_));
+    }
+    return db_->HandleSeed();
+}
+
+Handle Reader::Fresh() {
+    Making();
+    const Handle h = db_->NewHandle();
+    Generated(h);
     return h;
 }
 
@@ -269,8 +286,7 @@ Handle Reader::Resolve(Handle h) const {
     return it != joined_.end() ? it->second : h;
 }
 
-Parsed Reader::Parse(const Record& rec, bool splitXData, bool body) const {
-    Parsed p;
+std::size_t Reader::ParseHead(const Record& rec, Parsed& p) const {
     std::size_t i = 0;
     const auto& tags = rec.tags;
     for (; i < tags.size(); ++i) {
@@ -296,6 +312,18 @@ Parsed Reader::Parse(const Record& rec, bool splitXData, bool body) const {
             break;
         }
     }
+    return i;
+}
+
+Parsed Reader::Parse(const Record& rec, bool splitXData, bool body) const {
+    Parsed p;
+    ParseBody(rec, ParseHead(rec, p), p, splitXData, body);
+    return p;
+}
+
+void Reader::ParseBody(const Record& rec, std::size_t i, Parsed& p, bool splitXData,
+                       bool body) const {
+    const auto& tags = rec.tags;
     p.segments.reserve(4);
     p.segments.push_back({"", {}});
     bool inGroup = false;  // inside a 102 group, whose 330s point elsewhere
@@ -338,7 +366,6 @@ Parsed Reader::Parse(const Record& rec, bool splitXData, bool body) const {
             p.segments.back().tags.push_back(t);
         }
     }
-    return p;
 }
 
 // ---- sections
@@ -481,6 +508,7 @@ void Reader::Header() {
     Handle seed = kNullHandle;
     if (ParseHandle(db_->HeaderString("$HANDSEED"), seed) && seed > 1 && seed < (Handle{1} << 48)) {
         db_->ReserveHandle(seed - 1);
+        seedKnown_ = true;
     }
 }
 
@@ -553,6 +581,9 @@ void Reader::Table(const Record& head, Record* first) {
 }
 
 void Reader::TableRecords(Handle h, Record* first) {
+    const auto& made = db_->Get<SymbolTable>(h)->records;
+    standIns_ = std::any_of(made.begin(), made.end(),
+                            [this](Handle r) { return IsGenerated(r) && given_.count(r) == 0; });
     if (first != nullptr) {
         if (old_) {
             AddRecordMarkers(*first);
@@ -582,20 +613,12 @@ void Reader::TableRecords(Handle h, Record* first) {
 namespace dxfread {
 
 Handle HighestHandle(std::string_view data) {
-    Handle highest = kNullHandle;
     try {
-        Tokenizer tok(data, "");
-        RawTag t;
-        while (tok.Next(t)) {
-            Handle h = kNullHandle;
-            if ((t.code == 5 || t.code == 105) && ParseHandle(t.value, h)) {
-                highest = std::max(highest, h);
-            }
-        }
+        const Tokenizer tok(data, "");
+        return tok.HighestHandleFrom(tok.NextStart());
     } catch (const DxfError&) {
-        // The reading proper reports the fault.
+        return kNullHandle;  // the reading proper reports the fault
     }
-    return highest;
 }
 
 }  // namespace dxfread

@@ -74,7 +74,7 @@ Handle Reader::NamedEntry(const std::string& name, const NamedTable& table) {
     if (const Handle h = table.find(*db_, name); h != kNullHandle) {
         return h;
     }
-    const Handle before = db_->HandleSeed();
+    const Handle before = Making();
     const Handle h = table.add(*db_, name.empty() ? table.fallback : name);
     Generated(before);
     // A file may use 100,000 names it never defines: the first few are named, the rest
@@ -305,7 +305,7 @@ void Reader::Place(std::unique_ptr<Entity> e, Handle space, const Record& rec) {
         space =
             db_->ModelSpace() != kNullHandle ? db_->ModelSpace() : db_->FindBlock("*Model_Space");
         if (space == kNullHandle) {
-            const Handle before = db_->HandleSeed();
+            const Handle before = Making();
             space = db_->DefineBlock("*Model_Space");
             Generated(before);
         }
@@ -716,7 +716,7 @@ void Reader::DefineUsedLinetypes() {
     });
     for (const std::string& name : used) {
         if (!name.empty() && db_->FindLinetype(name) == kNullHandle) {
-            const Handle before = db_->HandleSeed();
+            const Handle before = Making();
             db_->AddLinetype(name);
             Generated(before);
             if (++undefinedNames_["line type"] <= kNamedRepairs) {
@@ -733,7 +733,7 @@ void Reader::ReadXData(Entity& e, const std::vector<RawTag>& tags) {
             auto cached = appCache_.find(name);
             Handle app = cached != appCache_.end() ? cached->second : db_->FindApp(name);
             if (app == kNullHandle) {
-                const Handle before = db_->HandleSeed();
+                const Handle before = Making();
                 app = db_->RegisterApp(name);
                 Generated(before);
                 Repair("application " + name + " was used but not registered; it was added");
