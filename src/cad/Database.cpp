@@ -235,32 +235,37 @@ bool HasKey(std::string_view name, std::string_view key) {
 }  // namespace
 
 // False when a record of that key is indexed already: the first of a name wins.
-bool Database::IndexRecord(RecordIndex& index, Handle record, const std::string& key) const {
-    if (2 * (index.used + 1) > index.slots.size()) {
-        std::vector<RecordIndex::Slot> old(
-            std::bit_ceil(std::max<std::size_t>(16, 4 * (index.used + 1))));
-        old.swap(index.slots);
-        index.used = 0;
-        for (const auto& slot : old) {
-            if (slot.record != kNullHandle) {
-                const std::size_t mask = index.slots.size() - 1;
-                std::size_t at = slot.hash & mask;
-                while (index.slots[at].record != kNullHandle) {
-                    at = (at + 1) & mask;
-                }
-                index.slots[at] = slot;
-                ++index.used;
+// Room for `records` records at most half the slots used, the slots kept a power of two.
+void Database::Reserve(RecordIndex& index, std::size_t records) {
+    if (2 * records <= index.slots.size()) {
+        return;
+    }
+    std::vector<RecordIndex::Slot> old(std::bit_ceil(std::max<std::size_t>(16, 2 * records)));
+    old.swap(index.slots);
+    const std::size_t mask = index.slots.size() - 1;
+    for (const auto& slot : old) {
+        if (slot.record != nullptr) {
+            std::size_t at = slot.hash & mask;
+            while (index.slots[at].record != nullptr) {
+                at = (at + 1) & mask;
             }
+            index.slots[at] = slot;
         }
+    }
+}
+
+bool Database::IndexRecord(RecordIndex& index, const TableRecord* record,
+                           const std::string& key) const {
+    if (2 * (index.used + 1) > index.slots.size()) {
+        Reserve(index, 2 * (index.used + 1));
     }
     const std::size_t hash = KeyHash(key);
     const std::size_t mask = index.slots.size() - 1;
     std::size_t at = hash & mask;
-    for (; index.slots[at].record != kNullHandle; at = (at + 1) & mask) {
+    for (; index.slots[at].record != nullptr; at = (at + 1) & mask) {
         const auto& slot = index.slots[at];
         if (slot.hash == hash) {
-            const auto* r = Get<TableRecord>(slot.record);
-            if (r != nullptr && HasKey(r->name, key)) {
+            if (HasKey(slot.record->name, key)) {
                 return false;
             }
         }
@@ -278,15 +283,14 @@ Handle Database::LookUp(const RecordIndex& index, std::size_t hash, std::string_
         return kNullHandle;
     }
     const std::size_t mask = index.slots.size() - 1;
-    for (std::size_t at = hash & mask; index.slots[at].record != kNullHandle;
-         at = (at + 1) & mask) {
+    for (std::size_t at = hash & mask; index.slots[at].record != nullptr; at = (at + 1) & mask) {
         const auto& slot = index.slots[at];
         if (slot.hash != hash) {
             continue;
         }
-        const auto* r = Get<TableRecord>(slot.record);
-        if (r != nullptr && !r->erased && HasKey(r->name, key)) {
-            return slot.record;
+        const TableRecord* r = slot.record;
+        if (!r->erased && HasKey(r->name, key)) {
+            return r->handle;
         }
         stale = true;
     }
@@ -315,12 +319,13 @@ Handle Database::FindRecord(std::string_view tableName, std::string_view name) c
         if (index.indexed > table->records.size()) {
             index = {};
         }
+        Reserve(index, table->records.size());
         for (; index.indexed < table->records.size(); ++index.indexed) {
             const Handle h = table->records[index.indexed];
             const auto* r = Get<TableRecord>(h);
             if (r != nullptr && !r->erased) {
                 NameKey(r->name, recordKey_);
-                IndexRecord(index, h, recordKey_);
+                IndexRecord(index, r, recordKey_);
             }
         }
         bool stale = false;

@@ -258,13 +258,15 @@ private:
     struct RecordIndex {
         struct Slot {
             std::size_t hash = 0;
-            Handle record = kNullHandle;  // none: the slot is free
+            // Objects stay where they were made as long as the database lives.
+            const TableRecord* record = nullptr;  // none: the slot is free
         };
         std::size_t indexed = 0;  // records of the table's list already in `slots`
         std::size_t used = 0;
         std::vector<Slot> slots;  // a power of two long, at most half used
     };
-    bool IndexRecord(RecordIndex& index, Handle record, const std::string& key) const;
+    static void Reserve(RecordIndex& index, std::size_t records);
+    bool IndexRecord(RecordIndex& index, const TableRecord* record, const std::string& key) const;
     Handle LookUp(const RecordIndex& index, std::size_t hash, std::string_view key,
                   bool& stale) const;
     mutable std::unordered_map<Handle, RecordIndex> recordIndex_;  // by table head

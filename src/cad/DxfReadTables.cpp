@@ -96,6 +96,20 @@ bool Reader::TakeRecordField(TableRecord& r, const RawTag& t) const {
     return false;
 }
 
+// A layer's line type. Layers of a table mostly name one line type: the last one found is
+// asked first.
+Handle Reader::LinetypeNamed(const std::string& name) {
+    const auto* last = db_->Get<LinetypeRecord>(lastLinetype_);
+    if (last != nullptr && !last->erased && last->name == name) {
+        return lastLinetype_;
+    }
+    const Handle found = db_->FindLinetype(name);
+    if (found != kNullHandle) {
+        lastLinetype_ = found;
+    }
+    return found;
+}
+
 // One tag of a modelled record, under the subclass marker it follows ("" before the first).
 void Reader::RecordTag(TableRecord& record, const RawTag& t, std::string_view marker,
                        std::string& linetypeName) {
@@ -158,7 +172,7 @@ void Reader::TableRecordOf(const Record& rec, SymbolTable& table) {
         }
     }
     if (auto* layer = Database::Cast<LayerRecord>(record.get())) {
-        layer->linetype = db_->FindLinetype(linetypeName.empty() ? "Continuous" : linetypeName);
+        layer->linetype = LinetypeNamed(linetypeName.empty() ? "Continuous" : linetypeName);
         if (layer->linetype == kNullHandle && !linetypeName.empty()) {
             Repair("layer " + layer->name + " used the undefined line type " + linetypeName);
         }

@@ -95,6 +95,7 @@ private:
     void TableRecordOf(const Record& rec, SymbolTable& table);
     void OtherRecordOf(const Record& rec, SymbolTable& table);
     bool TakeRecordField(TableRecord& r, const RawTag& t) const;
+    Handle LinetypeNamed(const std::string& name);
     void RecordTag(TableRecord& record, const RawTag& t, std::string_view marker,
                    std::string& linetypeName);
     bool JoinRecord(TableRecord& record, Handle fileHandle, const Record& rec,
@@ -138,6 +139,7 @@ private:
     std::unordered_set<Handle> blockHandles_;
     std::unordered_map<Handle, Handle> joined_;  // a file's record handle -> the record kept
     std::unordered_set<Handle> given_;           // made by the reader, then given by the file
+    Handle lastLinetype_ = kNullHandle;
     bool standIns_ = false;  // the table being read holds records the reader made
     static constexpr long kNamedRepairs = 20;
     std::map<std::string, long> undefinedNames_;  // by kind: names used and not defined
