@@ -233,5 +233,36 @@ TEST(RepeatedTables, ASecondTableAndASecondModelSpaceRecordAreJoinedAndReported)
     EXPECT_TRUE(HasRepair(*db, "block record *MODEL_SPACE repeats the name of block record"));
 }
 
+// Without a handle seed the file is looked through once for its highest handle before the
+// reader makes one: what it makes lies above every handle of the file, and nothing the file
+// gives later is taken.
+TEST(RepeatedTables, HandlesMadeWithoutASeedLieAboveTheFilesOwn) {
+    auto line = [](const std::string& handle, const std::string& layer) {
+        return Tags({{0, "LINE"},
+                     {5, handle},
+                     {100, "AcDbEntity"},
+                     {8, layer},
+                     {100, "AcDbLine"},
+                     {10, "0"},
+                     {20, "0"},
+                     {30, "0"},
+                     {11, "1"},
+                     {21, "1"},
+                     {31, "0"}});
+    };
+    const std::string file =
+        Tags({{0, "SECTION"}, {2, "HEADER"}, {9, "$ACADVER"}, {1, "AC1015"}, {0, "ENDSEC"}}) +
+        Tags({{0, "SECTION"}, {2, "ENTITIES"}}) + line("10", "NEW") + line("200", "OTHER") +
+        Tags({{0, "ENDSEC"}, {0, "EOF"}});
+    auto db = ReadDxfString(file, "unseeded.dxf");
+    ASSERT_EQ(db->Entities().size(), 2u);
+    EXPECT_EQ(db->Entities()[0]->handle, 0x10u);
+    EXPECT_EQ(db->Entities()[1]->handle, 0x200u);
+    for (Handle made : {db->ModelSpace(), db->FindLayer("NEW"), db->FindLayer("OTHER")}) {
+        EXPECT_GT(made, 0x200u);
+    }
+    EXPECT_FALSE(HasRepair(*db, "repeated handle"));
+}
+
 }  // namespace
 }  // namespace cad
