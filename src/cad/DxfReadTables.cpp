@@ -579,7 +579,8 @@ void Reader::OrderTables() {
         "VPORT", "LTYPE", "LAYER", "STYLE", "VIEW", "UCS", "APPID", "DIMSTYLE", "BLOCK_RECORD"};
     auto rank = [this](Handle h) {
         const auto* table = db_->Get<SymbolTable>(h);
-        const std::string_view name = table != nullptr ? table->name : "";
+        const std::string_view name =
+            table != nullptr ? std::string_view(table->name) : std::string_view();
         return std::find(std::begin(kOrder), std::end(kOrder), name) - std::begin(kOrder);
     };
     std::stable_sort(db_->MutableTables().begin(), db_->MutableTables().end(),
