@@ -1,6 +1,7 @@
 #include "cad/Database.h"
 
 #include <algorithm>
+#include <bit>
 
 #include "cad/NumberText.h"
 
@@ -199,47 +200,138 @@ void NameKey(std::string_view name, std::string& key) {
     key.erase(0, first);
 }
 
+std::size_t KeyHash(std::string_view key) {
+    return std::hash<std::string_view>{}(key);
+}
+
+// Whether `name` has the name key `key` (see NameKey), without making its key.
+bool HasKey(std::string_view name, std::string_view key) {
+    std::size_t first = 0;
+    std::size_t last = name.size();
+    auto blank = [&name](std::size_t i) {
+        const auto u = static_cast<unsigned char>(name[i]);
+        return u <= 0x20 || u == 0x7F;
+    };
+    while (first < last && blank(first)) {
+        ++first;
+    }
+    while (last > first && blank(last - 1)) {
+        --last;
+    }
+    if (last - first != key.size()) {
+        return false;
+    }
+    for (std::size_t i = 0; i < key.size(); ++i) {
+        const char c = name[first + i];
+        const auto u = static_cast<unsigned char>(c);
+        const char k = u < 0x20 || u == 0x7F ? ' ' : (c >= 'a' && c <= 'z' ? c - 32 : c);
+        if (k != key[i]) {
+            return false;
+        }
+    }
+    return true;
+}
+
 }  // namespace
+
+// False when a record of that key is indexed already: the first of a name wins.
+// Room for `records` records at most half the slots used, the slots kept a power of two.
+void Database::Reserve(RecordIndex& index, std::size_t records) {
+    if (2 * records <= index.slots.size()) {
+        return;
+    }
+    std::vector<RecordIndex::Slot> old(std::bit_ceil(std::max<std::size_t>(16, 2 * records)));
+    old.swap(index.slots);
+    const std::size_t mask = index.slots.size() - 1;
+    for (const auto& slot : old) {
+        if (slot.record != nullptr) {
+            std::size_t at = slot.hash & mask;
+            while (index.slots[at].record != nullptr) {
+                at = (at + 1) & mask;
+            }
+            index.slots[at] = slot;
+        }
+    }
+}
+
+bool Database::IndexRecord(RecordIndex& index, const TableRecord* record,
+                           const std::string& key) const {
+    if (2 * (index.used + 1) > index.slots.size()) {
+        Reserve(index, 2 * (index.used + 1));
+    }
+    const std::size_t hash = KeyHash(key);
+    const std::size_t mask = index.slots.size() - 1;
+    std::size_t at = hash & mask;
+    for (; index.slots[at].record != nullptr; at = (at + 1) & mask) {
+        const auto& slot = index.slots[at];
+        if (slot.hash == hash) {
+            if (HasKey(slot.record->name, key)) {
+                return false;
+            }
+        }
+    }
+    index.slots[at] = {hash, record};
+    ++index.used;
+    return true;
+}
+
+// The record of that key; `stale` when a slot of its hash names a record erased or renamed
+// since it was indexed.
+Handle Database::LookUp(const RecordIndex& index, std::size_t hash, std::string_view key,
+                        bool& stale) const {
+    if (index.slots.empty()) {
+        return kNullHandle;
+    }
+    const std::size_t mask = index.slots.size() - 1;
+    for (std::size_t at = hash & mask; index.slots[at].record != nullptr; at = (at + 1) & mask) {
+        const auto& slot = index.slots[at];
+        if (slot.hash != hash) {
+            continue;
+        }
+        const TableRecord* r = slot.record;
+        if (!r->erased && HasKey(r->name, key)) {
+            return r->handle;
+        }
+        stale = true;
+    }
+    return kNullHandle;
+}
 
 Handle Database::FindRecord(std::string_view tableName, std::string_view name) const {
     // Names are looked up for every entity read and every extended-data item appended, and a
-    // table may hold 100,000 layers: each table keeps an index by upper-cased name, brought
-    // up to date with the records appended since the last look-up, so that neither a hit nor
-    // a miss walks the table.
+    // table may hold 100,000 layers: each table keeps an index by name key, brought up to
+    // date with the records appended since the last look-up, so that neither a hit nor a
+    // miss walks the table.
     const Handle tableHandle = Table(tableName);
     const auto* table = Get<SymbolTable>(tableHandle);
     if (table == nullptr) {
         return kNullHandle;
     }
-    std::string& key = lookupKey_;
-    NameKey(name, key);
-    RecordIndex& index = recordIndex_[tableHandle];
+    // Look-ups come in runs on one table (every entity's layer): its index is kept at hand.
+    RecordIndex& index = tableHandle == lastTable_ && lastIndex_ != nullptr
+                             ? *lastIndex_
+                             : recordIndex_[tableHandle];
+    lastTable_ = tableHandle;
+    lastIndex_ = &index;
+    NameKey(name, lookupKey_);
+    const std::size_t hash = KeyHash(lookupKey_);
     for (int pass = 0; pass < 2; ++pass) {
         if (index.indexed > table->records.size()) {
             index = {};
         }
-        if (table->records.size() > index.byName.size() + 64) {
-            index.byName.reserve(table->records.size());
-        }
+        Reserve(index, table->records.size());
         for (; index.indexed < table->records.size(); ++index.indexed) {
             const Handle h = table->records[index.indexed];
             const auto* r = Get<TableRecord>(h);
             if (r != nullptr && !r->erased) {
-                std::string recordKey;
-                NameKey(r->name, recordKey);
-                index.byName.emplace(std::move(recordKey), h);  // the first of a name wins
+                NameKey(r->name, recordKey_);
+                IndexRecord(index, r, recordKey_);
             }
         }
-        const auto it = index.byName.find(key);
-        if (it == index.byName.end()) {
-            return kNullHandle;
-        }
-        const auto* r = Get<TableRecord>(it->second);
-        if (r != nullptr && !r->erased) {
-            std::string recordKey;
-            if (EqualsNoCase(r->name, name) || (NameKey(r->name, recordKey), recordKey == key)) {
-                return it->second;
-            }
+        bool stale = false;
+        const Handle found = LookUp(index, hash, lookupKey_, stale);
+        if (found != kNullHandle || !stale) {
+            return found;
         }
         index = {};  // a record was erased or renamed since: index the table again
     }
@@ -248,6 +340,8 @@ Handle Database::FindRecord(std::string_view tableName, std::string_view name) c
 
 void Database::ReindexRecords() {
     recordIndex_.clear();
+    lastTable_ = kNullHandle;
+    lastIndex_ = nullptr;
 }
 
 namespace {

@@ -252,12 +252,28 @@ private:
     TagList classes_;
     TagList thumbnail_;
     std::vector<std::string> repairs_;
+    // A table's records by name key (see FindRecord): open addressing over the keys' hashes,
+    // each hit checked against the record's own name, so that a look-up touches one slot and
+    // one record however large the table.
     struct RecordIndex {
-        std::size_t indexed = 0;  // records of the table's list already in `byName`
-        std::unordered_map<std::string, Handle> byName;  // upper-cased name -> record
+        struct Slot {
+            std::size_t hash = 0;
+            // Objects stay where they were made as long as the database lives.
+            const TableRecord* record = nullptr;  // none: the slot is free
+        };
+        std::size_t indexed = 0;  // records of the table's list already in `slots`
+        std::size_t used = 0;
+        std::vector<Slot> slots;  // a power of two long, at most half used
     };
+    static void Reserve(RecordIndex& index, std::size_t records);
+    bool IndexRecord(RecordIndex& index, const TableRecord* record, const std::string& key) const;
+    Handle LookUp(const RecordIndex& index, std::size_t hash, std::string_view key,
+                  bool& stale) const;
     mutable std::unordered_map<Handle, RecordIndex> recordIndex_;  // by table head
+    mutable Handle lastTable_ = kNullHandle;  // the table the last look-up went to
+    mutable RecordIndex* lastIndex_ = nullptr;
     mutable std::string lookupKey_;
+    mutable std::string recordKey_;
 };
 
 }  // namespace cad

@@ -12,6 +12,7 @@
 #include "cad/DxfReader.h"
 #include "cad/Encoding.h"
 #include "cad/Limits.h"
+#include "cad/Message.h"
 #include "cad/NumberText.h"
 #include "files/FileIdentity.h"
 
@@ -58,6 +59,7 @@ Reader::Reader(std::string_view data, std::string fileName)
 
 bool Reader::ReadRecord(Record& rec) {
     tok_.ReleaseConsumed();
+    recordStart_ = tok_.NextStart();
     RawTag t;
     if (!tok_.Next(t)) {
         return false;
@@ -242,14 +244,12 @@ Handle Reader::Claim(Handle h, const Record& rec) {
         }
     }
     if (h == kNullHandle) {
-        const Handle fresh = db_->NewHandle();
-        Generated(fresh);
+        const Handle fresh = Fresh();
         ++unhandled_;  // reported once, in Finish
         return fresh;
     }
-    if (db_->Object(h) != nullptr || blockHandles_.count(h) != 0) {
-        const Handle fresh = db_->NewHandle();
-        Generated(fresh);
+    if (db_->Object(h) != nullptr || blockHandles_.count(h) != 0 || joined_.count(h) != 0) {
+        const Handle fresh = Fresh();
         Repair("line " + std::to_string(rec.line) + ": " + std::string(rec.type) +
                " repeated handle " + FormatHandle(h) + "; given " + FormatHandle(fresh));
         return fresh;
@@ -258,8 +258,35 @@ Handle Reader::Claim(Handle h, const Record& rec) {
     return h;
 }
 
-Parsed Reader::Parse(const Record& rec, bool splitXData, bool body) const {
-    Parsed p;
+// A file without a handle seed says nothing of the handles still to come: before the first
+// handle is made, the rest of the file is looked through for its highest one, so that no
+// handle made can be one the file gives later (which would mean reading it all again).
+Handle Reader::Making() {
+    if (!seedKnown_) {
+        seedKnown_ = true;
+        db_->ReserveHandle(tok_.HighestHandleFrom(recordStart_));
+    }
+    return db_->HandleSeed();
+}
+
+Handle Reader::Fresh() {
+    Making();
+    const Handle h = db_->NewHandle();
+    Generated(h);
+    return h;
+}
+
+bool Reader::IsGenerated(Handle h) const {
+    const auto it = generated_.upper_bound(h);
+    return it != generated_.begin() && h < std::prev(it)->second;
+}
+
+Handle Reader::Resolve(Handle h) const {
+    const auto it = joined_.find(h);
+    return it != joined_.end() ? it->second : h;
+}
+
+std::size_t Reader::ParseHead(const Record& rec, Parsed& p) const {
     std::size_t i = 0;
     const auto& tags = rec.tags;
     for (; i < tags.size(); ++i) {
@@ -285,13 +312,36 @@ Parsed Reader::Parse(const Record& rec, bool splitXData, bool body) const {
             break;
         }
     }
+    return i;
+}
+
+Parsed Reader::Parse(const Record& rec, bool splitXData, bool body) const {
+    Parsed p;
+    ParseBody(rec, ParseHead(rec, p), p, splitXData, body);
+    return p;
+}
+
+void Reader::ParseBody(const Record& rec, std::size_t i, Parsed& p, bool splitXData,
+                       bool body) const {
+    const auto& tags = rec.tags;
     p.segments.reserve(4);
     p.segments.push_back({"", {}});
+    bool inGroup = false;  // inside a 102 group, whose 330s point elsewhere
     for (; i < tags.size(); ++i) {
         const RawTag& t = tags[i];
         if (t.code >= 1000 && splitXData) {
             p.xdata.assign(tags.begin() + static_cast<long>(i), tags.end());
             break;
+        }
+        if (p.segments.size() == 1 && t.code == 102) {
+            inGroup = Trim(t.value) != "}";
+        }
+        if (t.code == 330 && !p.hasOwner && !inGroup && p.segments.size() == 1) {
+            // An owner after a stray group: still the owner, which a writer puts first; kept
+            // among the other tags it would come back first, and own the object.
+            p.hasOwner = true;
+            p.owner = Trim(t.value).empty() ? kNullHandle : Hex(t);
+            continue;
         }
         if (body) {
             p.body.push_back(t);
@@ -316,7 +366,6 @@ Parsed Reader::Parse(const Record& rec, bool splitXData, bool body) const {
             p.segments.back().tags.push_back(t);
         }
     }
-    return p;
 }
 
 // ---- sections
@@ -459,6 +508,7 @@ void Reader::Header() {
     Handle seed = kNullHandle;
     if (ParseHandle(db_->HeaderString("$HANDSEED"), seed) && seed > 1 && seed < (Handle{1} << 48)) {
         db_->ReserveHandle(seed - 1);
+        seedKnown_ = true;
     }
 }
 
@@ -498,7 +548,6 @@ void Reader::Table(const Record& head, Record* first) {
         }
     }
     Parsed p = Parse(rest, false);
-    table->handle = Claim(p.handle, head);
     table->extra = std::make_unique<ExtraTags>();
     for (auto& s : p.segments) {
         for (const auto& t : s.tags) {
@@ -509,8 +558,32 @@ void Reader::Table(const Record& head, Record* first) {
         }
     }
     KeepAll(p.preOwner, table->extra->Get(""));
+    // One table of a name: a second one, or the file's own after the reader made one for
+    // what came before it, adds its records to the first. A second table's records would be
+    // found by no look-up, and the blocks of a second BLOCK_RECORD table never written.
+    if (const Handle same = db_->Table(table->name); same != kNullHandle) {
+        auto* kept = db_->Get<SymbolTable>(same);
+        if (StandsIn(same)) {
+            kept->extra = std::move(table->extra);
+        } else {
+            Repair(
+                FillMessage("line %d: table %s came a second time; its records were added to "
+                            "the first",
+                            {std::to_string(head.line), table->name}));
+        }
+        TableRecords(same, first);
+        return;
+    }
+    table->handle = Claim(p.handle, head);
     const Handle h = db_->Add(std::move(table));
     db_->MutableTables().push_back(h);
+    TableRecords(h, first);
+}
+
+void Reader::TableRecords(Handle h, Record* first) {
+    const auto& made = db_->Get<SymbolTable>(h)->records;
+    standIns_ = std::any_of(made.begin(), made.end(),
+                            [this](Handle r) { return IsGenerated(r) && given_.count(r) == 0; });
     if (first != nullptr) {
         if (old_) {
             AddRecordMarkers(*first);
@@ -540,20 +613,12 @@ void Reader::Table(const Record& head, Record* first) {
 namespace dxfread {
 
 Handle HighestHandle(std::string_view data) {
-    Handle highest = kNullHandle;
     try {
-        Tokenizer tok(data, "");
-        RawTag t;
-        while (tok.Next(t)) {
-            Handle h = kNullHandle;
-            if ((t.code == 5 || t.code == 105) && ParseHandle(t.value, h)) {
-                highest = std::max(highest, h);
-            }
-        }
+        const Tokenizer tok(data, "");
+        return tok.HighestHandleFrom(tok.NextStart());
     } catch (const DxfError&) {
-        // The reading proper reports the fault.
+        return kNullHandle;  // the reading proper reports the fault
     }
-    return highest;
 }
 
 }  // namespace dxfread

@@ -74,7 +74,7 @@ Handle Reader::NamedEntry(const std::string& name, const NamedTable& table) {
     if (const Handle h = table.find(*db_, name); h != kNullHandle) {
         return h;
     }
-    const Handle before = db_->HandleSeed();
+    const Handle before = Making();
     const Handle h = table.add(*db_, name.empty() ? table.fallback : name);
     Generated(before);
     // A file may use 100,000 names it never defines: the first few are named, the rest
@@ -83,6 +83,19 @@ Handle Reader::NamedEntry(const std::string& name, const NamedTable& table) {
         Repair(std::string(table.kind) + " " + name + " was used but not defined; it was added");
     }
     return h;
+}
+
+// The block an INSERT draws, resolved when every block is known. An INSERT naming two
+// blocks draws the last, as other readers take it; the first name is reported, and makes
+// no block.
+void Reader::BlockNamed(std::string name, long line) {
+    if (!pendingBlocks_.empty() && pendingBlocks_.back().first == kNullHandle) {
+        Repair(FillMessage("line %d: an INSERT named block %s and then block %s; it draws %s",
+                           {std::to_string(line), pendingBlocks_.back().second, name, name}));
+        pendingBlocks_.back().second = std::move(name);
+        return;
+    }
+    pendingBlocks_.emplace_back(kNullHandle, std::move(name));
 }
 
 Handle Reader::LayerNamed(const std::string& name) {
@@ -137,6 +150,7 @@ void Reader::EntityRecord(const Record& rec, Handle space) {
     const bool modelled =
         std::find(std::begin(kModelled), std::end(kModelled), rec.type) != std::end(kModelled);
     Parsed p = Parse(rec, true, !modelled);
+    p.owner = Resolve(p.owner);
     std::unique_ptr<Entity> e = BuildEntity(rec, p);
     e->handle = Claim(p.handle, rec);
     e->owner = p.owner;
@@ -291,7 +305,7 @@ void Reader::Place(std::unique_ptr<Entity> e, Handle space, const Record& rec) {
         space =
             db_->ModelSpace() != kNullHandle ? db_->ModelSpace() : db_->FindBlock("*Model_Space");
         if (space == kNullHandle) {
-            const Handle before = db_->HandleSeed();
+            const Handle before = Making();
             space = db_->DefineBlock("*Model_Space");
             Generated(before);
         }
@@ -630,7 +644,7 @@ bool Reader::TakeSpecific(Entity& e, const std::string& m, const RawTag& t,
                 case 66:
                     return true;
                 case 2:
-                    pendingBlocks_.emplace_back(0, Text(Trim(t.value)));
+                    BlockNamed(Text(Trim(t.value)), t.line);
                     return true;
                 case 41:
                     r.scale.x = Real(t);
@@ -702,7 +716,7 @@ void Reader::DefineUsedLinetypes() {
     });
     for (const std::string& name : used) {
         if (!name.empty() && db_->FindLinetype(name) == kNullHandle) {
-            const Handle before = db_->HandleSeed();
+            const Handle before = Making();
             db_->AddLinetype(name);
             Generated(before);
             if (++undefinedNames_["line type"] <= kNamedRepairs) {
@@ -719,7 +733,7 @@ void Reader::ReadXData(Entity& e, const std::vector<RawTag>& tags) {
             auto cached = appCache_.find(name);
             Handle app = cached != appCache_.end() ? cached->second : db_->FindApp(name);
             if (app == kNullHandle) {
-                const Handle before = db_->HandleSeed();
+                const Handle before = Making();
                 app = db_->RegisterApp(name);
                 Generated(before);
                 Repair("application " + name + " was used but not registered; it was added");

@@ -1,144 +1,276 @@
 // Reading table records, blocks and objects, and completing the database afterwards.
-#include <functional>
+#include <algorithm>
 #include <unordered_map>
 
 #include "cad/DxfReader.h"
+#include "cad/Message.h"
 #include "cad/NumberText.h"
 
 namespace cad::dxfread {
 
 namespace {
 
+std::unique_ptr<TableRecord> NewRecord(std::string_view type) {
+    if (type == "LAYER") {
+        return std::make_unique<LayerRecord>();
+    }
+    if (type == "STYLE") {
+        return std::make_unique<TextStyleRecord>();
+    }
+    if (type == "LTYPE") {
+        return std::make_unique<LinetypeRecord>();
+    }
+    if (type == "APPID") {
+        return std::make_unique<AppIdRecord>();
+    }
+    if (type == "BLOCK_RECORD") {
+        return std::make_unique<BlockRecord>();
+    }
+    return nullptr;
+}
+
+// The shape nearly every record has: at most four subclass markers, none twice, no embedded
+// object, and no owner or 102 group after a stray group. Its tags are taken in one pass;
+// any other record is split into its segments first.
+bool UsualShape(const std::vector<RawTag>& tags, std::size_t from) {
+    std::string_view seen[4];
+    int markers = 0;
+    for (std::size_t i = from; i < tags.size(); ++i) {
+        const RawTag& t = tags[i];
+        if (t.code == 100) {
+            const std::string_view marker = Trim(t.value);
+            if (markers == 4 || std::find(seen, seen + markers, marker) != seen + markers) {
+                return false;
+            }
+            seen[markers++] = marker;
+        } else if (t.code == 101 || (markers == 0 && (t.code == 330 || t.code == 102))) {
+            return false;
+        }
+    }
+    return true;
+}
+
+}  // namespace
+
 // Fills the fields a record class models; false for a tag it leaves to its extra tags.
-bool TakeRecordField(TableRecord& r, const RawTag& t,
-                     const std::function<std::string(std::string_view)>& text,
-                     const std::function<double(const RawTag&)>& real,
-                     const std::function<long long(const RawTag&)>& integer) {
+bool Reader::TakeRecordField(TableRecord& r, const RawTag& t) const {
     if (t.code == 2) {
-        r.name = text(Trim(t.value));
+        r.name = Text(Trim(t.value));
         return true;
     }
     if (t.code == 70) {
-        r.flags = static_cast<int>(integer(t));
+        r.flags = static_cast<int>(Int(t));
         return true;
     }
-    if (auto* style = dynamic_cast<TextStyleRecord*>(&r)) {
+    if (auto* style = Database::Cast<TextStyleRecord>(&r)) {
         switch (t.code) {
             case 40:
-                style->fixedHeight = real(t);
+                style->fixedHeight = Real(t);
                 return true;
             case 41:
-                style->widthFactor = real(t);
+                style->widthFactor = Real(t);
                 return true;
             case 50:
-                style->oblique = real(t);
+                style->oblique = Real(t);
                 return true;
             case 71:
-                style->generation = static_cast<int>(integer(t));
+                style->generation = static_cast<int>(Int(t));
                 return true;
             case 42:
-                style->lastHeight = real(t);
+                style->lastHeight = Real(t);
                 return true;
             case 3:
-                style->font = text(t.value);
+                style->font = Text(t.value);
                 return true;
             case 4:
-                style->bigFont = text(t.value);
+                style->bigFont = Text(t.value);
                 return true;
             default:
                 return false;
         }
     }
-    if (auto* layer = dynamic_cast<LayerRecord*>(&r)) {
-        if (t.code == 62) {
-            layer->color = static_cast<int>(integer(t));
-            return true;
-        }
+    if (auto* layer = Database::Cast<LayerRecord>(&r); layer != nullptr && t.code == 62) {
+        layer->color = static_cast<int>(Int(t));
+        return true;
     }
     return false;
 }
 
-}  // namespace
+// A layer's line type. Layers of a table mostly name one line type: the last one found is
+// asked first.
+Handle Reader::LinetypeNamed(const std::string& name) {
+    const auto* last = db_->Get<LinetypeRecord>(lastLinetype_);
+    if (last != nullptr && !last->erased && last->name == name) {
+        return lastLinetype_;
+    }
+    const Handle found = db_->FindLinetype(name);
+    if (found != kNullHandle) {
+        lastLinetype_ = found;
+    }
+    return found;
+}
 
-void Reader::TableRecordOf(const Record& rec, SymbolTable& table) {
-    // Only a record kept as it was read needs its tags listed in file order.
-    const bool modelled = rec.type == "LAYER" || rec.type == "STYLE" || rec.type == "LTYPE" ||
-                          rec.type == "APPID" || rec.type == "BLOCK_RECORD";
-    Parsed p = Parse(rec, false, !modelled);
-    std::unique_ptr<TableRecord> record;
-    const std::string type(rec.type);
-    if (type != table.name) {
-        Repair("line " + std::to_string(rec.line) + ": a " + type + " inside table " + table.name +
-               " was dropped");
+// One tag of a modelled record, under the subclass marker it follows ("" before the first).
+void Reader::RecordTag(TableRecord& record, const RawTag& t, std::string_view marker,
+                       std::string& linetypeName) {
+    if (TakeRecordField(record, t)) {
         return;
     }
-    if (type == "LAYER") {
-        record = std::make_unique<LayerRecord>();
-    } else if (type == "STYLE") {
-        record = std::make_unique<TextStyleRecord>();
-    } else if (type == "LTYPE") {
-        record = std::make_unique<LinetypeRecord>();
-    } else if (type == "APPID") {
-        record = std::make_unique<AppIdRecord>();
-    } else if (type == "BLOCK_RECORD") {
-        record = std::make_unique<BlockRecord>();
+    const ObjectKind kind = record.Kind();
+    if (t.code == 6 && kind == ObjectKind::Layer) {
+        linetypeName = Text(t.value);
+    } else if (t.code == 3 && kind == ObjectKind::Linetype) {
+        static_cast<LinetypeRecord&>(record).description = Text(t.value);
+    } else if (kind == ObjectKind::Linetype && marker != "AcDbSymbolTableRecord") {
+        static_cast<LinetypeRecord&>(record).pattern.push_back(Keep(t));
+    } else if (t.code == 340 && kind == ObjectKind::BlockRecord) {
+        static_cast<BlockRecord&>(record).layout = Hex(t);
     } else {
-        auto other = std::make_unique<OtherRecord>();
-        other->typeName = type;
-        KeepAll(p.body, other->tags);
-        for (const auto& t : other->tags) {
-            if (t.code == 2) {
-                other->name = t.value;
-                break;
-            }
+        if (!record.extra) {
+            record.extra = std::make_unique<ExtraTags>();
         }
-        record = std::move(other);
+        record.extra->Get(marker.empty() ? "AcDbSymbolTableRecord" : std::string(marker))
+            .push_back(Keep(t));
     }
+}
+
+void Reader::TableRecordOf(const Record& rec, SymbolTable& table) {
+    if (rec.type != table.name) {
+        Repair("line " + std::to_string(rec.line) + ": a " + std::string(rec.type) +
+               " inside table " + table.name + " was dropped");
+        return;
+    }
+    std::unique_ptr<TableRecord> record = NewRecord(rec.type);
+    if (record == nullptr) {
+        OtherRecordOf(rec, table);
+        return;
+    }
+    Parsed p;
+    const std::size_t body = ParseHead(rec, p);
     record->handle = Claim(p.handle, rec);
     record->owner = table.handle;
     if (!p.preOwner.empty()) {
         record->extra = std::make_unique<ExtraTags>();
         KeepAll(p.preOwner, record->extra->Get(""));
     }
-    if (record->Kind() != ObjectKind::OtherRecord) {
-        auto text = [this](std::string_view v) { return Text(v); };
-        auto real = [this](const RawTag& t) { return Real(t); };
-        auto integer = [this](const RawTag& t) { return Int(t); };
-        std::string linetypeName;
-        for (const auto& s : p.segments) {
-            if (s.marker == "AcDbSymbolTableRecord" && s.tags.empty()) {
-                continue;
-            }
-            for (const auto& t : s.tags) {
-                if (TakeRecordField(*record, t, text, real, integer)) {
-                    continue;
-                }
-                if (t.code == 6 && type == "LAYER") {
-                    linetypeName = Text(t.value);
-                } else if (t.code == 3 && type == "LTYPE") {
-                    static_cast<LinetypeRecord&>(*record).description = Text(t.value);
-                } else if (type == "LTYPE" && s.marker != "AcDbSymbolTableRecord") {
-                    static_cast<LinetypeRecord&>(*record).pattern.push_back(Keep(t));
-                } else if (t.code == 340 && type == "BLOCK_RECORD") {
-                    static_cast<BlockRecord&>(*record).layout = Hex(t);
-                } else {
-                    if (!record->extra) {
-                        record->extra = std::make_unique<ExtraTags>();
-                    }
-                    record->extra->Get(s.marker.empty() ? "AcDbSymbolTableRecord" : s.marker)
-                        .push_back(Keep(t));
-                }
+    std::string linetypeName;
+    if (UsualShape(rec.tags, body)) {
+        std::string_view marker;
+        for (std::size_t i = body; i < rec.tags.size(); ++i) {
+            if (rec.tags[i].code == 100) {
+                marker = Trim(rec.tags[i].value);
+            } else {
+                RecordTag(*record, rec.tags[i], marker, linetypeName);
             }
         }
-        if (auto* layer = dynamic_cast<LayerRecord*>(record.get())) {
-            layer->linetype = db_->FindLinetype(linetypeName.empty() ? "Continuous" : linetypeName);
-            if (layer->linetype == kNullHandle && !linetypeName.empty()) {
-                Repair("layer " + layer->name + " used the undefined line type " + linetypeName);
+    } else {
+        ParseBody(rec, body, p, false, false);
+        for (const auto& s : p.segments) {
+            for (const auto& t : s.tags) {
+                RecordTag(*record, t, s.marker, linetypeName);
             }
         }
     }
-    const Handle h = db_->Add(std::move(record));
-    table.records.push_back(h);
+    if (auto* layer = Database::Cast<LayerRecord>(record.get())) {
+        layer->linetype = LinetypeNamed(linetypeName.empty() ? "Continuous" : linetypeName);
+        if (layer->linetype == kNullHandle && !linetypeName.empty()) {
+            Repair("layer " + layer->name + " used the undefined line type " + linetypeName);
+        }
+    }
+    if (JoinRecord(*record, p.handle, rec, table)) {
+        return;
+    }
+    table.records.push_back(db_->Add(std::move(record)));
+}
+
+// VPORT, DIMSTYLE and the other records the database does not model: kept as read.
+void Reader::OtherRecordOf(const Record& rec, SymbolTable& table) {
+    Parsed p = Parse(rec, false);
+    auto other = std::make_unique<OtherRecord>();
+    other->typeName = std::string(rec.type);
+    KeepAll(p.body, other->tags);
+    for (const auto& t : other->tags) {
+        if (t.code == 2) {
+            other->name = t.value;
+            break;
+        }
+    }
+    other->handle = Claim(p.handle, rec);
+    other->owner = table.handle;
+    if (!p.preOwner.empty()) {
+        other->extra = std::make_unique<ExtraTags>();
+        KeepAll(p.preOwner, other->extra->Get(""));
+    }
+    table.records.push_back(db_->Add(std::move(other)));
+}
+
+namespace {
+
+// The file's values of a record the reader had to make before the file gave it.
+void TakeFields(TableRecord& kept, TableRecord& from) {
+    kept.name = from.name;
+    kept.flags = from.flags;
+    if (from.extra) {
+        kept.extra = std::move(from.extra);
+    }
+    if (auto* layer = Database::Cast<LayerRecord>(&kept)) {
+        const auto& f = static_cast<const LayerRecord&>(from);
+        layer->color = f.color;
+        layer->linetype = f.linetype;
+    } else if (auto* style = Database::Cast<TextStyleRecord>(&kept)) {
+        const auto& f = static_cast<const TextStyleRecord&>(from);
+        style->fixedHeight = f.fixedHeight;
+        style->widthFactor = f.widthFactor;
+        style->oblique = f.oblique;
+        style->lastHeight = f.lastHeight;
+        style->generation = f.generation;
+        style->font = f.font;
+        style->bigFont = f.bigFont;
+    } else if (auto* linetype = Database::Cast<LinetypeRecord>(&kept)) {
+        const auto& f = static_cast<const LinetypeRecord&>(from);
+        linetype->description = f.description;
+        linetype->pattern = f.pattern;
+    } else if (auto* block = Database::Cast<BlockRecord>(&kept)) {
+        block->layout = static_cast<const BlockRecord&>(from).layout;
+    }
+}
+
+}  // namespace
+
+// A record named like one already in its table is one record with it, found by either
+// handle: the reader made the first for what came before the table (an entity on a layer,
+// the model space's entities) and it takes the file's values; or the file repeats a block
+// record, whose second copy would otherwise be a space or block of its own that owns
+// entities and is never written.
+bool Reader::JoinRecord(TableRecord& record, Handle fileHandle, const Record& rec,
+                        const SymbolTable& table) {
+    // Only a block record can repeat a name here, or any record stand in for the file's: the
+    // other records of a file are not looked up one by one (a table may hold 100,000).
+    if (record.name.empty() || (!standIns_ && record.Kind() != ObjectKind::BlockRecord)) {
+        return false;
+    }
+    const Handle existing = db_->FindRecord(table.name, record.name);
+    auto* kept = db_->Get<TableRecord>(existing);
+    if (kept == nullptr || kept->Kind() != record.Kind()) {
+        return false;
+    }
+    if (StandsIn(existing)) {
+        TakeFields(*kept, record);
+    } else if (auto* block = Database::Cast<BlockRecord>(kept)) {
+        if (block->layout == kNullHandle) {
+            block->layout = static_cast<const BlockRecord&>(record).layout;
+        }
+        Repair(
+            FillMessage("line %d: block record %s repeats the name of block record %s; the "
+                        "two were joined",
+                        {std::to_string(rec.line), record.name, FormatHandle(existing)}));
+    } else {
+        return false;
+    }
+    if (fileHandle != kNullHandle && record.handle == fileHandle) {
+        joined_[fileHandle] = existing;
+    }
+    return true;
 }
 
 // ---- blocks
@@ -149,7 +281,7 @@ void Reader::MakeSpaces() {
     }
     for (const char* name : {"*Model_Space", "*Paper_Space"}) {
         if (db_->FindBlock(name) == kNullHandle) {
-            const Handle before = db_->HandleSeed();
+            const Handle before = Making();
             db_->DefineBlock(name);
             Generated(before);
         }
@@ -199,7 +331,7 @@ void Reader::Block(const Record& head, long sectionLine) {
     }
     Handle recordHandle = db_->FindBlock(name);
     if (recordHandle == kNullHandle) {
-        const Handle before = db_->HandleSeed();
+        const Handle before = Making();
         recordHandle = db_->DefineBlock(name);
         Generated(before);
         if (!old_) {
@@ -210,8 +342,7 @@ void Reader::Block(const Record& head, long sectionLine) {
     block.beginHandle = p.handle;
     if (p.handle == kNullHandle || db_->Object(p.handle) != nullptr ||
         !blockHandles_.insert(p.handle).second) {
-        block.beginHandle = db_->NewHandle();
-        Generated(block.beginHandle);
+        block.beginHandle = Fresh();
         blockHandles_.insert(block.beginHandle);
     }
     db_->ReserveHandle(block.beginHandle);
@@ -258,8 +389,7 @@ void Reader::Block(const Record& head, long sectionLine) {
     b.endHandle = end.handle;
     if (end.handle == kNullHandle || db_->Object(end.handle) != nullptr ||
         !blockHandles_.insert(end.handle).second) {
-        b.endHandle = db_->NewHandle();
-        Generated(b.endHandle);
+        b.endHandle = Fresh();
         blockHandles_.insert(b.endHandle);
     }
     db_->ReserveHandle(b.endHandle);
@@ -339,7 +469,7 @@ void Reader::Objects(long line) {
             KeepAll(p.preOwner, object->extra->Get(""));
         }
         object->handle = Claim(p.handle, rec);
-        object->owner = p.owner;
+        object->owner = Resolve(p.owner);
         const bool root = db_->NamedObjects() == kNullHandle && rec.type == "DICTIONARY";
         const Handle h = db_->Add(std::move(object));
         db_->MutableObjects().push_back(h);
@@ -413,6 +543,7 @@ void Reader::Finish() {
         }
     }
     DefineUsedLinetypes();
+    OrderTables();
     for (const auto& [kind, count] : undefinedNames_) {
         if (count > kNamedRepairs) {
             Repair(std::to_string(count - kNamedRepairs) + " more " + kind +
@@ -441,6 +572,21 @@ void Reader::Finish() {
     db_->SetCurrentsFromHeader();
 }
 
+// Tables in the order readers expect, whatever order the file had or the reader made them
+// in: a layer is read after the line types it names.
+void Reader::OrderTables() {
+    static constexpr std::string_view kOrder[] = {
+        "VPORT", "LTYPE", "LAYER", "STYLE", "VIEW", "UCS", "APPID", "DIMSTYLE", "BLOCK_RECORD"};
+    auto rank = [this](Handle h) {
+        const auto* table = db_->Get<SymbolTable>(h);
+        const std::string_view name =
+            table != nullptr ? std::string_view(table->name) : std::string_view();
+        return std::find(std::begin(kOrder), std::end(kOrder), name) - std::begin(kOrder);
+    };
+    std::stable_sort(db_->MutableTables().begin(), db_->MutableTables().end(),
+                     [&rank](Handle a, Handle b) { return rank(a) < rank(b); });
+}
+
 // A layout names its block record, and a layout's block record names its layout. Writers
 // leave either link pointing at nothing; readers then refuse the file, so each is mended
 // from the other side, and a layout with neither is dropped.
@@ -467,6 +613,10 @@ void Reader::RepairLayouts() {
             }
         }
         Handle record = kNullHandle;
+        if (link != nullptr && ParseHandle(link->value, record) && Resolve(record) != record) {
+            record = Resolve(record);
+            link->value = FormatHandle(record);
+        }
         if (link != nullptr && ParseHandle(link->value, record) && db_->Block(record) != nullptr) {
             if (db_->Object(db_->Block(record)->layout) == nullptr) {
                 db_->Block(record)->layout = h;

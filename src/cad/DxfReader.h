@@ -35,7 +35,10 @@ public:
     Reader(std::string_view data, std::string fileName);
     std::unique_ptr<Database> Run();
     // Handles made while reading start above `h` (a second reading after a collision).
-    void ReserveAbove(Handle h) { db_->ReserveHandle(h); }
+    void ReserveAbove(Handle h) {
+        db_->ReserveHandle(h);
+        seedKnown_ = true;
+    }
     void SetRelease(std::function<void(std::size_t, std::size_t)> release) {
         tok_.SetRelease(std::move(release));
     }
@@ -46,6 +49,11 @@ private:
     void ExpectRecord(Record& rec, const char* what);
     // `body`: also list every tag after the owner (needed for what is kept as read).
     Parsed Parse(const Record& rec, bool splitXData = true, bool body = true) const;
+    // Handle, 102 groups and owner only; returns where the tags after them begin.
+    std::size_t ParseHead(const Record& rec, Parsed& p) const;
+    // The segments and extended data from tag `from` on.
+    void ParseBody(const Record& rec, std::size_t from, Parsed& p, bool splitXData,
+                   bool body) const;
 
     // values
     std::string Text(std::string_view raw) const;
@@ -58,6 +66,15 @@ private:
     Tag Keep(const RawTag& t) const;  // validated and decoded for storage
     void KeepAll(const std::vector<RawTag>& in, TagList& out) const;
     Handle Claim(Handle h, const Record& rec);
+    // The handle seed before the reader makes a handle (see Generated), and a made handle.
+    Handle Making();
+    Handle Fresh();
+    bool IsGenerated(Handle h) const;
+    // A table or record the reader made for what came before the file's own: the first of
+    // the file's of that name takes its place (once).
+    bool StandsIn(Handle h) { return IsGenerated(h) && given_.insert(h).second; }
+    // A file's handle of a record joined with another (see JoinRecord), or the handle itself.
+    Handle Resolve(Handle h) const;
     // Notes the handles made since the seed was `before`: a later object of the file that
     // claims one of them means the file's $HANDSEED was too small.
     void Generated(Handle before);
@@ -74,7 +91,15 @@ private:
     void Tables(long line);
     // `first`: a record already read that belongs to the table (its head was missing).
     void Table(const Record& head, Record* first = nullptr);
+    void TableRecords(Handle table, Record* first);
     void TableRecordOf(const Record& rec, SymbolTable& table);
+    void OtherRecordOf(const Record& rec, SymbolTable& table);
+    bool TakeRecordField(TableRecord& r, const RawTag& t) const;
+    Handle LinetypeNamed(const std::string& name);
+    void RecordTag(TableRecord& record, const RawTag& t, std::string_view marker,
+                   std::string& linetypeName);
+    bool JoinRecord(TableRecord& record, Handle fileHandle, const Record& rec,
+                    const SymbolTable& table);
     void Blocks(long line);
     void Block(const Record& rec, long sectionLine);
     void EntitiesSection(long line);
@@ -85,6 +110,7 @@ private:
     void RepairObjectOwners();
     void MendEllipse(UnknownEntity& e, const Record& rec);
     void DefineUsedLinetypes();
+    void OrderTables();
 
     // entities
     void CheckType(const Record& rec, const char* section) const;
@@ -103,6 +129,7 @@ private:
     Handle NamedEntry(const std::string& name, const NamedTable& table);
     Handle LayerNamed(const std::string& name);
     Handle StyleNamed(const std::string& name);
+    void BlockNamed(std::string name, long line);
     void Place(std::unique_ptr<Entity> e, Handle space, const Record& rec);
 
     Tokenizer tok_;
@@ -110,6 +137,10 @@ private:
     std::string charset_;
     bool utf8_ = false;
     std::unordered_set<Handle> blockHandles_;
+    std::unordered_map<Handle, Handle> joined_;  // a file's record handle -> the record kept
+    std::unordered_set<Handle> given_;           // made by the reader, then given by the file
+    Handle lastLinetype_ = kNullHandle;
+    bool standIns_ = false;  // the table being read holds records the reader made
     static constexpr long kNamedRepairs = 20;
     std::map<std::string, long> undefinedNames_;  // by kind: names used and not defined
     std::set<std::string> dimensionBlocks_;       // blocks dimensions draw with
@@ -122,8 +153,10 @@ private:
     long openParentLine_ = 0;
     bool sawEof_ = false;
     std::map<Handle, Handle> generated_;  // ranges [from, to) of handles made while reading
-    bool old_ = true;     // R12 or older, or no version given: no subclass markers expected
-    long unhandled_ = 0;  // objects read without a handle
+    bool old_ = true;         // R12 or older, or no version given: no subclass markers expected
+    long unhandled_ = 0;      // objects read without a handle
+    bool seedKnown_ = false;  // every handle the file gives is below the seed
+    std::size_t recordStart_ = 0;  // where the record being read starts in the data
     mutable long badHandles_ = 0;  // handles that were not hexadecimal, reported one by one
 };
 

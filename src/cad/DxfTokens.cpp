@@ -89,6 +89,25 @@ void Tokenizer::ReleaseConsumed() {
     }
 }
 
+Handle Tokenizer::HighestHandleFrom(std::size_t start) const {
+    Tokenizer ahead(data_, fileName_);
+    ahead.pos_ = start;
+    ahead.binary_ = binary_;
+    ahead.twoByteCodes_ = twoByteCodes_;
+    Handle highest = kNullHandle;
+    try {
+        RawTag t;
+        while (ahead.Next(t)) {
+            Handle h = kNullHandle;
+            if ((t.code == 5 || t.code == 105) && ParseHandle(t.value, h)) {
+                highest = std::max(highest, h);
+            }
+        }
+    } catch (const DxfError&) {
+    }
+    return highest;
+}
+
 bool Tokenizer::NextInRecord(RawTag& tag) {
     if (!peeked_) {
         if (!Next(peekTag_)) {

@@ -44,6 +44,11 @@ public:
         release_ = std::move(release);
     }
     void ReleaseConsumed();
+    // Where the next tag starts in the data.
+    std::size_t NextStart() const { return peeked_ ? peekStart_ : pos_; }
+    // The highest handle (group code 5 or 105) from `start` on, without moving; 0 when there
+    // is none. A fault ends the look; the reading proper reports it.
+    Handle HighestHandleFrom(std::size_t start) const;
 
 private:
     bool ReadLine(std::string_view& line);

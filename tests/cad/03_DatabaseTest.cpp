@@ -87,6 +87,31 @@ TEST(Database, NamesThatWriteAlikeAreOneRecord) {
     EXPECT_NE(db.FindLayer("WIRES 2"), layer);
 }
 
+// Look-ups alternate between tables and run while a table grows: each finds its own table's
+// record, the first of a name, and sees a record erased since it was indexed.
+TEST(Database, RecordIndexAnswersEachTableThroughGrowthAndErasure) {
+    Database db;
+    std::vector<Handle> layers, linetypes;
+    for (int i = 0; i < 3000; ++i) {
+        const std::string name = "N" + std::to_string(i);
+        layers.push_back(db.AddLayer(name));
+        linetypes.push_back(db.AddLinetype(name));
+        ASSERT_EQ(db.FindLayer(name), layers.back()) << name;
+        ASSERT_EQ(db.FindLinetype("n" + std::to_string(i / 2)), linetypes[i / 2]) << name;
+    }
+    // A second record of a name, appended to the list directly: the first still answers.
+    auto twin = std::make_unique<LayerRecord>();
+    twin->name = " n17 ";
+    twin->owner = db.Table("LAYER");
+    const Handle second = db.Add(std::move(twin));
+    db.Get<SymbolTable>(db.Table("LAYER"))->records.push_back(second);
+    EXPECT_EQ(db.FindLayer("N17"), layers[17]);
+    db.Layer(layers[17])->erased = true;
+    EXPECT_EQ(db.FindLayer("N17"), second);
+    EXPECT_EQ(db.FindLinetype("N17"), linetypes[17]);
+    EXPECT_EQ(db.FindLayer("N3000"), kNullHandle);
+}
+
 TEST(Database, ExtendedDataAppendsSetsAndRegistersApplications) {
     Database db;
     auto* label = db.AppendNew<MText>();
