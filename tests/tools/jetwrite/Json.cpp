@@ -88,6 +88,9 @@ private:
                 }
                 return Fail("unexpected character; expected a value");
             default:
+                if (Peek() != '-' && !(Peek() >= '0' && Peek() <= '9')) {
+                    return Fail("unexpected character; expected a value");
+                }
                 out.kind = JsonValue::Kind::Number;
                 return Number(out.text);
         }
