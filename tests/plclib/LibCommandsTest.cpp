@@ -68,9 +68,19 @@ TEST_F(LibCommandsTest, MigrateRefusesWhatItCannotConvert) {
     testing_support::WriteFile(dir_ / "junk.mdb", std::string(5000, 'j'));
     EXPECT_EQ(Qvplc("migrate '" + (dir_ / "junk.mdb").string() + "'", &out), 3);
     EXPECT_NE(out.find("not an Access database"), std::string::npos) << out;
-    const auto fixtures = testing_support::SharedFixturesDir();
-    if (!fixtures.empty()) {
-        const auto mdb = (fixtures / "access" / "DateTestDatabase.mdb").string();
+    // An Access file that holds no component library: a generated one, and one made by
+    // Access itself where it is kept beside the project.
+    const auto other = (dir_ / "other.mdb").string();
+    std::string error;
+    ASSERT_TRUE(jetwrite::WriteDatabase(
+        {{{"DateTest", {{"IDCol", jetwrite::ColumnType::Long}}, {{"1"}}}}}, other, {}, error))
+        << error;
+    std::vector<std::string> files = {other};
+    if (const auto fixtures = testing_support::SharedFixturesDir(); !fixtures.empty()) {
+        files.push_back((fixtures / "access" / "DateTestDatabase.mdb").string());
+    }
+    for (const auto& mdb : files) {
+        std::filesystem::remove_all(dir_ / "PLC");
         EXPECT_EQ(Qvplc("migrate '" + mdb + "'", &out), 3);
         EXPECT_NE(out.find("no table PLC_MANUFACTURER"), std::string::npos) << out;
         InterleavedLibrary();
