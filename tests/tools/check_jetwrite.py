@@ -74,6 +74,7 @@ def cases():
     yield "many-tables", [table("T%03d_中" % i, [text("K", 5), long("V")], [["k%d" % i, i]])
                           for i in range(300)]
     yield "library", library()
+    yield "other-cad", other_cad()
 
 
 def library():
@@ -100,6 +101,41 @@ def library():
                   [text(c, 60) for c in ["MANUFACTURER", "SERIES", "TYPE", "TABLE_NAME"]], plc),
             table("MANUFACTURER_Simple", [text("MANUFACTURER", 60), text("MFG", 60)],
                   simple)] + tables
+
+
+def other_cad():
+    """The other CAD's PLC database: terminal rows carry their values in ATTRIBUTES."""
+    plc = [["Allen-Bradley", "1756", "DI", "AB-1756-DI"], ["欧姆龙", "CJ1", "AI", "OM_CJ1_AI"]]
+    tables = [table("PLC_MANUFACTURER",
+                    [text(c, 60) for c in ["MANUFACTURER", "SERIES", "TYPE", "TABLE_NAME"]], plc)]
+    for _, _, t, name in plc:
+        modules = [["%s-%02d" % (t, m), str(m * 8), t, "模块 %d" % m, ""] for m in range(1, 3)]
+        tables.append(table(name, [text(c, 60) for c in
+                                   ["CODE", "POINTS", "TYPE", "DESCRIPTION", "RATING"]], modules))
+        attributes = [[mod[0], n, None if n == 3 else "TERM_=%d;TERMDESC_=输入 %d;" % (n, n)]
+                      for mod in modules for n in range(1, int(mod[1]) + 1)]
+        tables.append(table(name + "_data", [text("Code", 60), long("SEQUENCE"),
+                                             memo("ATTRIBUTES")], attributes))
+    return tables
+
+
+def check_refusals():
+    """Bad descriptions are refused with their place named, and no file is left."""
+    spec = os.path.join(WORKDIR, "bad.json")
+    out = os.path.join(WORKDIR, "bad.mdb")
+    for text, expected in [('{"tables": [\n  {"name": "T", "columns": []},]}',
+                            "bad.json: line 2, column 32: unexpected character"),
+                           ('{"tables": [{"name": "T", "columns": [{"name": "A", "type": "text",'
+                            ' "length": 2}], "rows": [["abc"]]}]}',
+                            'table "T", row 1, column "A": the text has 3 characters')]:
+        with open(spec, "w", encoding="utf-8") as f:
+            f.write(text)
+        result = subprocess.run([JETWRITE, spec, out], capture_output=True, text=True)
+        if result.returncode != 1 or expected not in result.stderr or os.path.exists(out):
+            fail("refusals", "%r gave %d: %s" % (text, result.returncode, result.stderr))
+    result = subprocess.run([JETWRITE, spec], capture_output=True, text=True)
+    if result.returncode != 2 or "usage: jetwrite" not in result.stderr:
+        fail("refusals", "a missing argument gave %d: %s" % (result.returncode, result.stderr))
 
 
 def run(args):
@@ -176,6 +212,7 @@ def main():
                 check(case, tables, options)
             except RuntimeError as e:
                 fail(case, str(e))
+    check_refusals()
     for line in failures:
         print(line)
     print("%d failures" % len(failures))
