@@ -126,6 +126,9 @@ std::vector<uint8_t> UsageMap(PageFile& file, const std::vector<uint32_t>& pages
     }
     row[0] = 0x01;
     for (const uint32_t page : pages) {
+        if (page >= kMaxPages) {
+            continue;  // past what a map can name: the writer refuses such a file
+        }
         const uint32_t map = MapPage(file, mapPages, page / kMapBitsPerPage);
         SetBit(file.At(map) + 4, page % kMapBitsPerPage);
     }
