@@ -53,7 +53,8 @@ def cases():
                           [[s, s[:12]] for s in odd])]
     yield "longs", [table("Longs", [long("N"), text("Label", 20)], [
         [0, "zero"], [-1, "minus one"], [2147483647, "max"], [-2147483648, "min"],
-        [123456, None], [None, "null"]])]
+        [123456, None], [None, "null"]]),
+                    table("OnlyFixed", [long("A"), long("B")], [[1, None], [None, -2], [3, 4]])]
     memos = [
         "short",
         "中" * 600,                          # inline, but too long to compress
