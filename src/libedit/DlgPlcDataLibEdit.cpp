@@ -46,6 +46,7 @@ void CDlgPlcDataLibEdit::BuildTree() {
     manufacturerInfo = CPlcManufacturerInfo();
     statusText.clear();
     plcLib.LoadLibrary();
+    const ChangingEntries reloaded(*this);
     dialog::TreeNode* root = dialog::FillLibraryTree(tree, plcLib.Entries());
     tree.Expand(root);
     RestoreLastSelection();
@@ -87,15 +88,74 @@ bool CDlgPlcDataLibEdit::DestroyWindow() {
     return true;
 }
 
+namespace {
+
+std::string TypeKey(std::string_view manufacturer, std::string_view series, std::string_view type) {
+    std::string key;
+    key.reserve(manufacturer.size() + series.size() + type.size() + 2);
+    key.append(manufacturer).append(1, '\x1f').append(series).append(1, '\x1f').append(type);
+    return key;
+}
+
+}  // namespace
+
+CDlgPlcDataLibEdit::ChangingEntries::ChangingEntries(CDlgPlcDataLibEdit& d) : dlg(d) {
+    ++dlg.changingEntries_;
+    dlg.typeIndex_.clear();
+    dlg.typeIndexBuilt_ = false;
+}
+
+CDlgPlcDataLibEdit::ChangingEntries::~ChangingEntries() {
+    --dlg.changingEntries_;
+    dlg.typeIndex_.clear();
+    dlg.typeIndexBuilt_ = false;
+}
+
+std::vector<CPlcPartData*> CDlgPlcDataLibEdit::EntriesOfType(std::string_view manufacturer,
+                                                             std::string_view series,
+                                                             std::string_view type) {
+    if (changingEntries_ > 0) {
+        std::vector<CPlcPartData*> found;
+        for (const auto& entry : plcLib.Entries()) {
+            if (entry->manufacturer == manufacturer && entry->series == series &&
+                entry->type == type) {
+                found.push_back(entry.get());
+            }
+        }
+        return found;
+    }
+    if (!typeIndexBuilt_) {
+        typeIndex_.clear();
+        for (const auto& entry : plcLib.Entries()) {
+            typeIndex_[TypeKey(entry->manufacturer, entry->series, entry->type)].push_back(
+                entry.get());
+        }
+        typeIndexBuilt_ = true;
+    }
+    const auto found = typeIndex_.find(TypeKey(manufacturer, series, type));
+    return found == typeIndex_.end() ? std::vector<CPlcPartData*>() : found->second;
+}
+
 CPlcPartData* CDlgPlcDataLibEdit::FindEntry(std::string_view manufacturer, std::string_view series,
                                             std::string_view type, std::string_view code) {
-    for (const auto& entry : plcLib.Entries()) {
-        if (entry->manufacturer == manufacturer && entry->series == series && entry->type == type &&
-            entry->code == code) {
-            return entry.get();
+    for (CPlcPartData* entry : EntriesOfType(manufacturer, series, type)) {
+        if (entry->code == code) {
+            return entry;
         }
     }
     return nullptr;
+}
+
+void CDlgPlcDataLibEdit::FillTypeNode(dialog::TreeNode* typeNode) {
+    if (!typeNode->children.empty()) {
+        return;
+    }
+    const dialog::LastSelection path = dialog::PathOf(typeNode);
+    for (const CPlcPartData* entry : EntriesOfType(path.manufacturer, path.series, path.type)) {
+        if (!entry->code.empty()) {
+            tree.Insert(typeNode, entry->code, dialog::kImageModule);
+        }
+    }
 }
 
 CPlcPartData* CDlgPlcDataLibEdit::CurrentModule() {
@@ -137,10 +197,8 @@ void CDlgPlcDataLibEdit::AddTermRow(const CPlcPartTermData& row) {
 
 void CDlgPlcDataLibEdit::FillModuleList(const dialog::LastSelection& path) {
     std::vector<dialog::ListRow> rows;
-    for (const auto& entry : plcLib.Entries()) {
-        if (!entry->code.empty() && entry->manufacturer == path.manufacturer &&
-            entry->series == path.series && entry->type == path.type &&
-            (path.code.empty() || entry->code == path.code)) {
+    for (const CPlcPartData* entry : EntriesOfType(path.manufacturer, path.series, path.type)) {
+        if (!entry->code.empty() && (path.code.empty() || entry->code == path.code)) {
             rows.push_back({{entry->code, entry->points, entry->moduleType, entry->description,
                              entry->rating}});
         }
@@ -187,7 +245,7 @@ void CDlgPlcDataLibEdit::SelectTreeNode(dialog::TreeNode* node) {
         return;
     }
     if (level == 3) {
-        dialog::FillTypeModules(tree, node, plcLib.Entries());
+        FillTypeNode(node);
     }
     if (level >= 3) {
         FillModuleList(path);
@@ -238,7 +296,7 @@ dialog::TreeNode* CDlgPlcDataLibEdit::FindPath(const std::vector<std::string>& n
             return nullptr;
         }
         if (node->Level() == 3) {
-            dialog::FillTypeModules(tree, node, plcLib.Entries());
+            FillTypeNode(node);
         }
         node = dialog::FindChildExact(node, name);
     }

@@ -15,6 +15,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "dialog/Controls.h"
@@ -205,7 +206,23 @@ private:
     std::string TableOfCurrentType();
     CPlcPartData* FindEntry(std::string_view manufacturer, std::string_view series,
                             std::string_view type, std::string_view code);
+    // The entries of one type, in list order (placeholders included).
+    std::vector<CPlcPartData*> EntriesOfType(std::string_view manufacturer, std::string_view series,
+                                             std::string_view type);
+    void FillTypeNode(dialog::TreeNode* typeNode);
     void Stamp();
+
+    // Selections look entries up by type through an index. A command that changes entries
+    // drops it on the way in and out (ChangingEntries) and looks entries up directly while
+    // it runs, so the index never outlives the entry list it was built from.
+    struct ChangingEntries {
+        explicit ChangingEntries(CDlgPlcDataLibEdit& dlg);
+        ~ChangingEntries();
+        CDlgPlcDataLibEdit& dlg;
+    };
+    std::unordered_map<std::string, std::vector<CPlcPartData*>> typeIndex_;
+    bool typeIndexBuilt_ = false;
+    int changingEntries_ = 0;
 
     // The operations, one per command (LibEdit*.cpp).
     bool NewManufacturer();

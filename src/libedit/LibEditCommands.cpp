@@ -50,6 +50,7 @@ bool CDlgPlcDataLibEdit::RunLocked(const std::function<bool()>& body) {
 }
 
 bool CDlgPlcDataLibEdit::OnMenuCommand(int id) {
+    const ChangingEntries changing(*this);
     const int level = LevelOf(id);
     if (level >= 0) {
         dialog::TreeNode* node = tree.Selected();
@@ -133,6 +134,7 @@ bool CDlgPlcDataLibEdit::BeginLabelEdit(dialog::TreeNode* node) {
 }
 
 bool CDlgPlcDataLibEdit::EndLabelEdit(std::optional<std::string> newText) {
+    const ChangingEntries changing(*this);
     dialog::TreeNode* node = editingNode;
     if (node == nullptr || !newText || newText->empty()) {
         editingNode = nullptr;

@@ -32,7 +32,7 @@ bool CDlgPlcDataLibEdit::NewModule() {
     }
     Stamp();
     // The type's module nodes are made before the new one joins them, so none is missing.
-    dialog::FillTypeModules(tree, node, plcLib.Entries());
+    FillTypeNode(node);
     CPlcPartData* entry = FindEntry(path.manufacturer, path.series, path.type, "");
     if (entry == nullptr) {
         plcLib.Entries().push_back(

@@ -94,6 +94,7 @@ bool CPlcLib::Open(const std::string& path) {
 }
 
 bool CPlcLib::Close() {
+    ForgetTableNames();
     if (!connection_) {
         return true;
     }
@@ -121,6 +122,7 @@ bool CPlcLib::EnsureOpen() {
 
 bool CPlcLib::LoadLibrary() {
     entries_.clear();
+    ForgetTableNames();  // a load reads the file afresh, whoever changed it
     if (!EnsureOpen()) {
         return false;
     }
@@ -229,6 +231,7 @@ bool CPlcLib::Execute(const std::string& statement) {
     if (!EnsureOpen()) {
         return false;
     }
+    ForgetTableNames();  // any statement may change PLC_MANUFACTURER
     std::string error;
     const bool done = connection_->Execute(statement, error);
     if (observer_) {
@@ -267,39 +270,58 @@ bool CPlcLib::HasSeriesOrType(const std::string& query, int selector) {
     return !Trim(result->Get(0, selector == 2 ? "SERIES" : "TYPE")).empty();
 }
 
-std::string CPlcLib::GetTableName(const std::string& manufacturer, const std::string& series,
-                                  const std::string& type) {
-    if (!EnsureOpen()) {
-        return {};
-    }
-    // Read row by row and compared in place: every selection of a module asks, so the
-    // table is not copied whole each time.
+namespace {
+
+std::string TypeKey(std::string_view manufacturer, std::string_view series, std::string_view type) {
+    std::string key;
+    key.reserve(manufacturer.size() + series.size() + type.size() + 2);
+    key.append(manufacturer).append(1, '\x1f').append(series).append(1, '\x1f').append(type);
+    return key;
+}
+
+}  // namespace
+
+bool CPlcLib::ReadTableNames() {
     std::string error;
     auto cursor = connection_->Select("Select * from PLC_MANUFACTURER", error);
     if (!cursor) {
         plcdb::ReportDatabaseError(error);
-        return {};
+        return false;
     }
     const int m = cursor->Column("MANUFACTURER");
     const int s = cursor->Column("SERIES");
     const int t = cursor->Column("TYPE");
     const int n = cursor->Column("TABLE_NAME");
-    bool anyRow = false;
+    std::unordered_map<std::string, std::string> names;
     while (cursor->Next()) {
-        anyRow = true;
-        if (TrimView(cursor->TextView(m)) == manufacturer &&
-            TrimView(cursor->TextView(s)) == series && TrimView(cursor->TextView(t)) == type) {
-            return std::string(TrimView(cursor->TextView(n)));
-        }
+        names.emplace(TypeKey(TrimView(cursor->TextView(m)), TrimView(cursor->TextView(s)),
+                              TrimView(cursor->TextView(t))),
+                      std::string(TrimView(cursor->TextView(n))));
     }
     if (!cursor->Error().empty()) {
         plcdb::ReportDatabaseError(cursor->Error());
+        return false;
+    }
+    tableNames_ = std::move(names);
+    tableNamesRead_ = true;
+    return true;
+}
+
+std::string CPlcLib::GetTableName(const std::string& manufacturer, const std::string& series,
+                                  const std::string& type) {
+    if (!EnsureOpen()) {
         return {};
     }
-    if (!anyRow) {
-        host::ShowMessage("厂家表数据为空", plcdb::kMessageCaption, host::MsgIcon::None);
+    if (!tableNamesRead_ && !ReadTableNames()) {
+        return {};
     }
-    return {};
+    if (tableNames_.empty()) {
+        ForgetTableNames();  // asked again next time, and said again
+        host::ShowMessage("厂家表数据为空", plcdb::kMessageCaption, host::MsgIcon::None);
+        return {};
+    }
+    const auto found = tableNames_.find(TypeKey(manufacturer, series, type));
+    return found == tableNames_.end() ? std::string() : found->second;
 }
 
 bool CPlcLib::GetTableNames(const std::string& manufacturer, const std::string& series,

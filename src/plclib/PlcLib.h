@@ -10,6 +10,7 @@
 #include <optional>
 #include <string>
 #include <string_view>
+#include <unordered_map>
 #include <vector>
 
 #include "plclib/Engine.h"
@@ -115,4 +116,14 @@ private:
     std::string path_;
     EntryList entries_;
     StatementObserver observer_;
+    // The TABLE_NAME of each (manufacturer, series, type) as one full read of
+    // PLC_MANUFACTURER found it (the first row wins). Every selection of a module asks for
+    // its table, so the read is kept until a statement may have changed the table.
+    std::unordered_map<std::string, std::string> tableNames_;
+    bool tableNamesRead_ = false;
+    bool ReadTableNames();
+    void ForgetTableNames() {
+        tableNames_.clear();
+        tableNamesRead_ = false;
+    }
 };

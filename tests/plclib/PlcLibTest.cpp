@@ -233,6 +233,27 @@ TEST_F(PlcLibTest, AValueWithAQuoteIsRefusedAndNothingChanges) {
     EXPECT_FALSE(plcdb::CheckValues({"ok", "it's"}));
 }
 
+TEST_F(PlcLibTest, TableNamesFollowEveryStatementAndEveryLoad) {
+    const auto path = SmallLibrary();
+    CPlcLib lib, other;
+    ASSERT_TRUE(lib.Open(path));
+    ASSERT_TRUE(other.Open(path));
+    EXPECT_EQ(lib.GetTableName("Norvik", "NX 10", "Analog"), "N_AI");
+    // A statement of its own is seen at once, even a failed one leaves nothing stale.
+    ASSERT_TRUE(lib.Execute("UPDATE PLC_MANUFACTURER SET TABLE_NAME='N_AI2' WHERE TYPE='Analog'"));
+    EXPECT_EQ(lib.GetTableName("Norvik", "NX 10", "Analog"), "N_AI2");
+    ASSERT_TRUE(
+        lib.Execute("INSERT INTO PLC_MANUFACTURER VALUES ('Norvik','NX 10','New','N_NEW')"));
+    EXPECT_EQ(lib.GetTableName("Norvik", "NX 10", "New"), "N_NEW");
+    // Another connection's change is seen after the next load.
+    ASSERT_TRUE(other.Execute("UPDATE PLC_MANUFACTURER SET TABLE_NAME='N_X' WHERE TYPE='New'"));
+    lib.LoadLibrary();
+    EXPECT_EQ(lib.GetTableName("Norvik", "NX 10", "New"), "N_X");
+    // The first of two rows with the same three names gives the table.
+    ASSERT_TRUE(lib.Execute("INSERT INTO PLC_MANUFACTURER VALUES ('Norvik','NX 10','New','N_Y')"));
+    EXPECT_EQ(lib.GetTableName("Norvik", "NX 10", "New"), "N_X");
+}
+
 TEST_F(PlcLibTest, TwoInstancesOnOneFileEachSeeTheOthersChanges) {
     const auto path = SmallLibrary();
     CPlcLib editor, dialog;
