@@ -89,7 +89,50 @@ void Tokenizer::ReleaseConsumed() {
     }
 }
 
+namespace {
+
+std::string_view TrimBlanks(std::string_view text) {
+    while (!text.empty() && (text.front() == ' ' || text.front() == '\t')) {
+        text.remove_prefix(1);
+    }
+    while (!text.empty() && (text.back() == ' ' || text.back() == '\t' || text.back() == '\r')) {
+        text.remove_suffix(1);
+    }
+    return text;
+}
+
+// The handles of an ASCII file, read line pair by line pair without building tags. It only
+// has to be a good guess: a made handle that still clashes is caught by the reader.
+Handle HighestAsciiHandle(std::string_view data) {
+    Handle highest = kNullHandle;
+    std::size_t pos = 0;
+    while (pos < data.size()) {
+        const std::size_t codeEnd = data.find('\n', pos);
+        if (codeEnd == std::string_view::npos) {
+            break;
+        }
+        const std::string_view code = TrimBlanks(data.substr(pos, codeEnd - pos));
+        std::size_t valueEnd = data.find('\n', codeEnd + 1);
+        if (valueEnd == std::string_view::npos) {
+            valueEnd = data.size();
+        }
+        if (code == "5" || code == "105") {
+            Handle h = kNullHandle;
+            if (ParseHandle(TrimBlanks(data.substr(codeEnd + 1, valueEnd - codeEnd - 1)), h)) {
+                highest = std::max(highest, h);
+            }
+        }
+        pos = valueEnd + 1;
+    }
+    return highest;
+}
+
+}  // namespace
+
 Handle Tokenizer::HighestHandleFrom(std::size_t start) const {
+    if (!binary_) {
+        return HighestAsciiHandle(data_.substr(std::min(start, data_.size())));
+    }
     Tokenizer ahead(data_, fileName_);
     ahead.pos_ = start;
     ahead.binary_ = binary_;
