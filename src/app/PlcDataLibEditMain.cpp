@@ -2,6 +2,7 @@
 
 #include "host/Host.h"
 #include "host/SuiteServices.h"
+#include "libedit/DlgDbImport.h"
 #include "libedit/DlgPlcDataLibEdit.h"
 
 CDlgPlcDataLibEdit* g_pDlgPlcDataLibEdit = nullptr;
@@ -9,6 +10,7 @@ CDlgPlcDataLibEdit* g_pDlgPlcDataLibEdit = nullptr;
 namespace app {
 
 std::function<void()> g_checkInLibrary;
+dialog::ModalRunner<CDlgDbImport> g_importRunner;
 
 namespace {
 
@@ -30,6 +32,9 @@ bool EnsureEditor() {
     }
     g_pDlgPlcDataLibEdit = new CDlgPlcDataLibEdit();
     g_pDlgPlcDataLibEdit->onClosed = OnEditorClosed;
+    libedit::WireImport(*g_pDlgPlcDataLibEdit, [](CDlgDbImport& import) {
+        return g_importRunner && g_importRunner(import);
+    });
     if (!g_pDlgPlcDataLibEdit->Create()) {
         delete g_pDlgPlcDataLibEdit;
         g_pDlgPlcDataLibEdit = nullptr;

@@ -3,6 +3,9 @@
 
 #include <functional>
 
+#include "dialog/ModalRunner.h"
+
+class CDlgDbImport;
 class CDlgPlcDataLibEdit;
 
 // The one library editor; null until the first run and again after the editor closes.
@@ -13,6 +16,10 @@ namespace app {
 // Gives the edited library back to the server and releases the editing lock (installation
 // style 1). The network library installs it; until then closing in style 1 calls nothing.
 extern std::function<void()> g_checkInLibrary;
+
+// Shows the import dialog the editor's import button opens (a view installs it); without
+// one the button does nothing.
+extern dialog::ModalRunner<CDlgDbImport> g_importRunner;
 
 class CPlcDataLibEditMain {
 public:

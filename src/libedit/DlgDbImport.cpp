@@ -4,6 +4,7 @@
 #include <thread>
 
 #include "host/Host.h"
+#include "libedit/DlgPlcDataLibEdit.h"
 #include "libedit/LibEditCommon.h"
 #include "plclib/PlcLib.h"
 
@@ -140,3 +141,18 @@ bool CDlgDbImport::OnOK() {
     visible = !done;
     return done;
 }
+
+namespace libedit {
+
+void WireImport(CDlgPlcDataLibEdit& editor, dialog::ModalRunner<CDlgDbImport> runner) {
+    editor.onImport = [&editor, runner = std::move(runner)] {
+        if (!runner) {
+            return false;
+        }
+        CDlgDbImport import(editor.plcLib);
+        import.OnInitDialog();
+        return runner(import);
+    };
+}
+
+}  // namespace libedit

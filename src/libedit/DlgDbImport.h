@@ -15,6 +15,7 @@
 #include <string>
 #include <vector>
 
+#include "dialog/ModalRunner.h"
 #include "plclib/AccessReader.h"
 
 class CPlcLib;
@@ -107,3 +108,13 @@ private:
 
     CPlcLib& plcLib_;
 };
+
+class CDlgPlcDataLibEdit;
+
+namespace libedit {
+
+// Makes the editor's import button run the import dialog over the editor's library through
+// `runner` (a view, a script, a test); the editor reloads after an import that closed with OK.
+void WireImport(CDlgPlcDataLibEdit& editor, dialog::ModalRunner<CDlgDbImport> runner);
+
+}  // namespace libedit

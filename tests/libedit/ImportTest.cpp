@@ -5,7 +5,7 @@
 
 #include <map>
 
-#include "../draw/DialogTestSupport.h"
+#include "EditorTestSupport.h"
 #include "libedit/DlgDbImport.h"
 #include "plclib/Engine.h"
 #include "plclib/PlcLib.h"
@@ -261,6 +261,33 @@ TEST_F(ImportTest, QuotesOverLongValuesAndBadSequencesAreSkippedWithTheirReason)
     EXPECT_TRUE(has("sequence \"4a\" is not a number"));
     EXPECT_EQ(Db("Select * from Alpha_S1_DI where CODE like '长%'").RowCount(), 1u);
     EXPECT_EQ(Db("Select * from Alpha_S1_DI_data where CODE='DI-NEW'").RowCount(), 3u);
+}
+
+}  // namespace
+
+namespace {
+
+using ImportEditorTest = libedit_test::EditorTest;
+
+TEST_F(ImportEditorTest, ImportButtonRunsTheImportOverTheEditorsLibraryAndReloads) {
+    dlg = OpenEditor();
+    MemorySource ace = AceSource();
+    std::string shownSource;
+    libedit::WireImport(*dlg, [&](CDlgDbImport& import) {
+        shownSource = import.sourcePath;
+        import.OnBrowse("/media/ace_plc.mdb");
+        import.pauseAfterDone = []{};
+        import.openSource = [&](const std::string&, std::string&) {
+            return std::make_unique<MemorySource>(ace);
+        };
+        env.host.messageAnswers.push_back(host::MsgResult::Ok);
+        return import.OnOK();
+});
+ASSERT_EQ(dlg->FindPath({"Delta"}), nullptr);
+dlg->OnImport();
+EXPECT_EQ(shownSource, "D:\\ZANDRIX_IEC\\PLC\\ace_plc.mdb");
+EXPECT_NE(dlg->FindPath({"Delta", "D9", "IO"}), nullptr);
+EXPECT_NE(dlg->FindPath({"Alpha", "S1", "DI", "DI-NEW"}), nullptr);
 }
 
 }  // namespace
