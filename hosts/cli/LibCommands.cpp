@@ -291,6 +291,7 @@ int RunLib(const Arguments& args, CliHost& host) {
         PrintGroupUsage(args.empty() ? stderr : stdout);
         return args.empty() ? kExitUsage : kExitOk;
     }
+    if (args[0] == "import") return RunLibImport(Arguments(args.begin() + 1, args.end()), host);
     for (const auto& sub : kSubcommands) {
         if (args[0] != sub.name) {
             continue;
