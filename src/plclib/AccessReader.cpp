@@ -38,6 +38,37 @@ bool LooksLikeAccess(const std::string& path, std::string& error) {
 }
 
 constexpr size_t kBindSize = 65536;
+// A memo holds at most 16 MB of UTF-16, which is at most 24 MB of UTF-8.
+constexpr size_t kMaxBindSize = kBindSize * 8 * 8 * 8;
+// The longest UTF-8 character: a field this close to its buffer's end may have been cut.
+constexpr size_t kLongestCharacter = 4;
+
+// Reads every row of `table` with buffers of `bindSize` bytes; false when a field may have
+// been cut at its buffer's end.
+bool ReadRows(MdbHandle* mdb, MdbTableDef* table, size_t bindSize, QueryResult& out) {
+    out = QueryResult{};
+    mdb_set_bind_size(mdb, bindSize);
+    mdb_rewind_table(table);
+    const unsigned columns = table->num_cols;
+    std::vector<std::vector<char>> buffers(columns, std::vector<char>(bindSize + 1));
+    std::vector<int> lengths(columns);
+    for (unsigned i = 0; i < columns; ++i) {
+        auto* column = static_cast<MdbColumn*>(g_ptr_array_index(table->columns, i));
+        out.columns.emplace_back(column->name);
+        mdb_bind_column(table, static_cast<int>(i + 1), buffers[i].data(), &lengths[i]);
+    }
+    while (mdb_fetch_row(table)) {
+        auto& row = out.rows.emplace_back();
+        for (unsigned i = 0; i < columns; ++i) {
+            const size_t length = lengths[i] > 0 ? static_cast<size_t>(lengths[i]) : 0;
+            if (length + kLongestCharacter >= bindSize) {
+                return false;
+            }
+            row.emplace_back(buffers[i].data(), length);
+        }
+    }
+    return true;
+}
 
 }  // namespace
 
@@ -123,23 +154,22 @@ bool AccessReader::ReadTable(const std::string& name, QueryResult& out, std::str
         error = path_ + ": table " + name + " cannot be read (damaged file?)";
         return false;
     }
-    mdb_rewind_table(table.get());
-    const unsigned columns = table->num_cols;
-    std::vector<std::vector<char>> buffers(columns, std::vector<char>(kBindSize + 1));
-    std::vector<int> lengths(columns);
-    for (unsigned i = 0; i < columns; ++i) {
-        auto* column = static_cast<MdbColumn*>(g_ptr_array_index(table->columns, i));
-        out.columns.emplace_back(column->name);
-        mdb_bind_column(table.get(), static_cast<int>(i + 1), buffers[i].data(), &lengths[i]);
-    }
-    while (mdb_fetch_row(table.get())) {
-        auto& row = out.rows.emplace_back();
-        for (unsigned i = 0; i < columns; ++i) {
-            const int length = std::min<int>(lengths[i], static_cast<int>(kBindSize));
-            row.emplace_back(buffers[i].data(), length > 0 ? static_cast<size_t>(length) : 0);
+    // libmdb cuts a field at its buffer without saying so: a field that fills the buffer
+    // may have been cut, so the table is read again with larger buffers.
+    for (size_t bindSize = kBindSize;; bindSize *= 8) {
+        if (ReadRows(mdb, table.get(), bindSize, out)) {
+            mdb_set_bind_size(mdb, kBindSize);
+            return true;
+        }
+        if (bindSize >= kMaxBindSize) {
+            mdb_set_bind_size(mdb, kBindSize);
+            error = path_ + ": table " + name + " holds a field longer than " +
+                    std::to_string(kMaxBindSize / (1024 * 1024)) +
+                    " MB, which cannot be read whole";
+            out = QueryResult{};
+            return false;
         }
     }
-    return true;
 }
 
 }  // namespace plcdb
