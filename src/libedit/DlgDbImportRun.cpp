@@ -240,11 +240,11 @@ struct CDlgDbImport::Run {
         std::string error;
         if (!source->ReadTable(name, sourceRows, error)) {
             host::Print(dialog.sourcePath + ": " + error + "\n");
-            Tell("打开ace_plc.mdb中的模块信息表" + name + "出现错误!");
+            Tell(libedit::Format2("打开ace_plc.mdb中的模块信息表%s出现错误!", name, ""));
             return 1;
         }
         if (!Target("Select * from " + table, table, targetRows,
-                    "1打开QvPlc.mdb中的模块信息表" + table + "出现错误!")) {
+                    libedit::Format2("1打开QvPlc.mdb中的模块信息表%s出现错误!", table, ""))) {
             return 1;
         }
         std::map<std::string, size_t> present;
@@ -300,11 +300,11 @@ struct CDlgDbImport::Run {
         std::string error;
         if (!source->ReadTable(name + "_data", sourceRows, error)) {
             host::Print(dialog.sourcePath + ": " + error + "\n");
-            Tell("打开数据库ace_plc.mdb中的表" + name + "_data 出现错误!");
+            Tell(libedit::Format2("打开数据库ace_plc.mdb中的表%s_data 出现错误!", name, ""));
             return 1;
         }
         if (!Target("Select CODE,SEQUENCE from " + table + "_data", table, targetRows,
-                    "打开数据库QvPlc.mdb中的表" + table + "_data 出现错误!")) {
+                    libedit::Format2("打开数据库QvPlc.mdb中的表%s_data 出现错误!", table, ""))) {
             return 1;
         }
         std::set<std::string> present;
