@@ -6,6 +6,7 @@
 #include <sys/wait.h>
 
 #include <cstdlib>
+#include <sstream>
 
 #include "ExitCodes.h"
 #include "TestPaths.h"
@@ -146,6 +147,81 @@ TEST_F(ImportProgramTest, BadFilesAreNamedAndTheLibraryStaysUsable) {
     EXPECT_EQ(Count("Select * from PLC_MANUFACTURER"), 0u);
     EXPECT_EQ(Qvplc("lib import --help").code, cli::kExitOk);
     EXPECT_NE(Qvplc("lib import --help").out.find("Example"), std::string::npos);
+}
+
+// The terminal rows of a few thousand modules, against what mdb-export reads from the same file
+// split by hand.
+TEST_F(ImportProgramTest, LargeSourceMatchesMdbExport) {
+    constexpr int kTypes = 100, kModules = 25, kTerms = 3;
+    std::string spec =
+        R"({"tables":[{"name":"PLC_MANUFACTURER","columns":[)"
+        R"({"name":"MANUFACTURER","type":"text"},{"name":"SERIES","type":"text"},)"
+        R"({"name":"TYPE","type":"text"},{"name":"TABLE_NAME","type":"text"}],"rows":[)";
+    for (int t = 0; t < kTypes; ++t) {
+        spec += std::string(t ? "," : "") + "[\"M" + std::to_string(t % 7) + "\",\"S\",\"T" +
+                std::to_string(t) + "\",\"T" + std::to_string(t) + "\"]";
+    }
+    spec += "]}";
+    for (int t = 0; t < kTypes; ++t) {
+        const std::string table = "T" + std::to_string(t);
+        spec += R"(,{"name":")" + table + R"(","columns":)" + kModuleColumns + R"(,"rows":[)";
+        for (int m = 0; m < kModules; ++m) {
+            spec += std::string(m ? "," : "") + "[\"C" + std::to_string(m) +
+                    "\",\"3\",null,\"d\",\"\"]";
+        }
+        spec += R"(]},{"name":")" + table + R"(_data","columns":)" + kTermColumns + R"(,"rows":[)";
+        for (int m = 0; m < kModules; ++m) {
+            for (int q = 1; q <= kTerms; ++q) {
+                const std::string attributes =
+                    q == 1 ? "TERM_=X" + std::to_string(m) + ";TERMDESC_=输入 " + std::to_string(q)
+                    : q == 2 ? "TERMDESC_=D;A=B;TERM_=" + std::to_string(t * m)
+                             : "NOTHING=1";
+                spec += std::string(m || q > 1 ? "," : "") + "[\"C" + std::to_string(m) + "\"," +
+                        std::to_string(q) + ",\"" + attributes + "\"]";
+            }
+        }
+        spec += "]}";
+    }
+    spec += "]}";
+    const fs::path ace = Ace(spec);
+    ASSERT_EQ(Import(ace).code, cli::kExitOk);
+
+    plcdb::Connection db;
+    std::string error;
+    ASSERT_TRUE(db.Open(library.string(), error)) << error;
+    size_t compared = 0;
+    for (int t = 0; t < kTypes; t += 9) {
+        const std::string table = "T" + std::to_string(t) + "_data";
+        const Outcome exported =
+            Run("mdb-export", "-H -d '|' -q '' '" + ace.string() + "' " + table);
+        ASSERT_EQ(exported.code, 0) << exported.err;
+        std::istringstream lines(exported.out);
+        std::string line;
+        while (std::getline(lines, line)) {
+            const size_t a = line.find('|'), b = line.find('|', a + 1);
+            const std::string code = line.substr(0, a), sequence = line.substr(a + 1, b - a - 1);
+            const std::string attributes = line.substr(b + 1);
+            auto value = [&](const std::string& key) {
+                const size_t at = attributes.find(key);
+                if (at == std::string::npos)
+                    return std::string();
+                const size_t end = attributes.find(';', at);
+                return attributes.substr(at + key.size(),
+                                         end == std::string::npos ? end : end - at - key.size());
+            };
+            auto rows = db.Query("Select TermValue,TERMDESC from " + table + " where CODE='" +
+                                     code + "' and SEQUENCE=" + sequence,
+                                 error);
+            ASSERT_TRUE(rows && rows->RowCount() == 1) << table << " " << line;
+            EXPECT_EQ(rows->Get(0, "TermValue"), value("TERM_=")) << line;
+            EXPECT_EQ(rows->Get(0, "TERMDESC"), value("TERMDESC_=")) << line;
+            ++compared;
+        }
+    }
+    EXPECT_EQ(compared, 12u * kModules * kTerms);
+    auto modules = db.Query("Select * from T99", error);
+    ASSERT_TRUE(modules.has_value());
+    EXPECT_EQ(modules->RowCount(), static_cast<size_t>(kModules));
 }
 
 }  // namespace
