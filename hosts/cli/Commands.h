@@ -20,4 +20,7 @@ struct CommandGroup {
 // Groups are registered in Commands.cpp; each lives in its own file.
 const std::vector<CommandGroup>& Groups();
 
+// qvplc lib import (LibImportCommand.cpp); ARGS are those after "import".
+int RunLibImport(const Arguments& args, CliHost& host);
+
 }  // namespace cli

@@ -310,6 +310,8 @@ int RunLib(const Arguments& args, CliHost& host) {
         PrintGroupUsage(args.empty() ? stderr : stdout);
         return args.empty() ? kExitUsage : kExitOk;
     }
+    if (args[0] == "import")
+        return RunLibImport(Arguments(args.begin() + 1, args.end()), host);
     if (args[0] == "edit") {
         return RunEditScript(Arguments(args.begin() + 1, args.end()), host);
     }

@@ -2,6 +2,7 @@
 
 #include "host/Host.h"
 #include "host/SuiteServices.h"
+#include "libedit/DlgDbImport.h"
 #include "libedit/DlgPlcDataLibEdit.h"
 #include "netlib/MyFtpConnection.h"
 #include "netlib/NetworkRuns.h"
@@ -13,6 +14,7 @@ namespace app {
 // The library goes back to the server and the editing lock is released; the connection
 // reports its own failures.
 std::function<void()> g_checkInLibrary = [] { CMyFtpConnection().CheckInLibrary(); };
+dialog::ModalRunner<CDlgDbImport> g_importRunner;
 
 namespace {
 
@@ -22,6 +24,9 @@ bool EnsureEditor() {
     }
     g_pDlgPlcDataLibEdit = new CDlgPlcDataLibEdit();
     g_pDlgPlcDataLibEdit->onClosed = OnLibraryEditorClosed;
+    libedit::WireImport(*g_pDlgPlcDataLibEdit, [](CDlgDbImport& import) {
+        return g_importRunner && g_importRunner(import);
+    });
     if (!g_pDlgPlcDataLibEdit->Create()) {
         delete g_pDlgPlcDataLibEdit;
         g_pDlgPlcDataLibEdit = nullptr;

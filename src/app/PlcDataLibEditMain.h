@@ -3,6 +3,9 @@
 
 #include <functional>
 
+#include "dialog/ModalRunner.h"
+
+class CDlgDbImport;
 class CDlgPlcDataLibEdit;
 
 // The one library editor; null until the first run and again after the editor closes.
@@ -17,6 +20,10 @@ extern std::function<void()> g_checkInLibrary;
 // What closing the editor ends with: the check-in in style 1, then the object and the
 // pointer to it go. An editor made by hand over another library file closes the same way.
 void OnLibraryEditorClosed(CDlgPlcDataLibEdit* dlg);
+
+// Shows the import dialog the editor's import button opens (a view installs it); without
+// one the button does nothing.
+extern dialog::ModalRunner<CDlgDbImport> g_importRunner;
 
 class CPlcDataLibEditMain {
 public:
