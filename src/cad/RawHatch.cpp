@@ -154,7 +154,7 @@ std::vector<double> Crossings(const std::vector<Ring>& rings, Point3d origin, Ve
                 continue;
             }
             const Vector3d w = a - origin;
-            const double s = (dir.x * w.y - dir.y * w.x) / den;  // along the edge
+            const double s = (dir.y * w.x - dir.x * w.y) / den;  // along the edge
             if (s >= 0 && s < 1) {
                 ts.push_back((w.x * e.y - w.y * e.x) / den);
             }

@@ -288,7 +288,7 @@ RawGeometry RawEntityGeometry(const Database& db, const UnknownEntity& e) {
         WipeoutShapes(e, g);
     } else if (type == "XLINE" || type == "RAY") {
         InfiniteLine(e, type == "XLINE", g);
-    } else if (type == "DIMENSION") {
+    } else if (type == "DIMENSION" || type == "ACAD_TABLE") {
         for (const Tag& t : e.tags) {
             if (t.code == 2) {
                 g.block = t.value;
