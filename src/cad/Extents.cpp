@@ -9,6 +9,7 @@
 #include "cad/Encoding.h"
 #include "cad/Expansion.h"
 #include "cad/Operations.h"
+#include "cad/RawShapes.h"
 
 namespace cad {
 
@@ -232,6 +233,30 @@ std::optional<Extents3d> ReferenceExtents(const Database& db, const BlockReferen
     return out;
 }
 
+// Lines without end count by their base points alone; a dimension by its picture block.
+std::optional<Extents3d> RawExtents(const Database& db, const UnknownEntity& e, Context& ctx) {
+    if (!RawEntityVisible(e)) {
+        return std::nullopt;
+    }
+    const RawGeometry g = RawEntityGeometry(db, e);
+    std::optional<Extents3d> out;
+    const auto add = [&](const Point3d& p) { out = Union(out, Extents3d{p, p}); };
+    for (const RawShape& shape : g.shapes) {
+        for (const auto& path : shape.paths) {
+            for (const Point3d& p : path) {
+                add(p);
+            }
+        }
+    }
+    for (const RawInfiniteLine& line : g.infiniteLines) {
+        add(line.base);
+    }
+    if (const BlockRecord* block = g.block.empty() ? nullptr : db.Block(db.FindBlock(g.block))) {
+        out = Union(out, BlockBox(db, *block, ctx));
+    }
+    return out;
+}
+
 std::optional<Extents3d> Measure(const Database& db, const Entity& entity, Context& ctx) {
     if (entity.erased || !entity.visible) {
         return std::nullopt;
@@ -278,6 +303,8 @@ std::optional<Extents3d> Measure(const Database& db, const Entity& entity, Conte
             return MTextExtents(static_cast<const MText&>(entity));
         case ObjectKind::BlockReference:
             return ReferenceExtents(db, static_cast<const BlockReference&>(entity), ctx);
+        case ObjectKind::UnknownEntity:
+            return RawExtents(db, static_cast<const UnknownEntity&>(entity), ctx);
         default:
             return std::nullopt;
     }

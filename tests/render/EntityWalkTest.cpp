@@ -49,6 +49,13 @@ public:
         call.block = block;
         calls.push_back(call);
     }
+    void Fill(const std::vector<std::vector<Point2>>& rings, Rgb c) override {
+        Call call{"fill", c};
+        for (const auto& ring : rings) {
+            call.points.insert(call.points.end(), ring.begin(), ring.end());
+        }
+        calls.push_back(call);
+    }
 };
 
 constexpr Rgb kWhite{1, 1, 1};

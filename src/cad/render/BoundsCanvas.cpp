@@ -72,3 +72,15 @@ void BoundsCanvas::MText(const TextBlock& block, Rgb colour) {
 }
 
 }  // namespace cad::render
+
+namespace cad::render {
+
+void BoundsCanvas::Fill(const std::vector<std::vector<Point2>>& rings, Rgb) {
+    for (const auto& ring : rings) {
+        for (const Point2& p : ring) {
+            box_.Add(p);
+        }
+    }
+}
+
+}  // namespace cad::render

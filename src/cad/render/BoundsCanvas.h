@@ -27,6 +27,7 @@ public:
     void Dot(Point2 at, Rgb colour) override;
     void Text(const TextLine& line, Rgb colour) override;
     void MText(const TextBlock& block, Rgb colour) override;
+    void Fill(const std::vector<std::vector<Point2>>& rings, Rgb colour) override;
 
 private:
     Box box_;

@@ -190,3 +190,26 @@ void CairoCanvas::MText(const TextBlock& block, Rgb colour) {
 }
 
 }  // namespace cad::render
+
+namespace cad::render {
+
+void CairoCanvas::Fill(const std::vector<std::vector<Point2>>& rings, Rgb colour) {
+    bool any = false;
+    for (const auto& ring : rings) {
+        if (ring.size() >= 3) {
+            TracePath(ring);
+            cairo_close_path(cr_);
+            any = true;
+        }
+    }
+    if (!any) {
+        return;
+    }
+    SetColour(colour);
+    cairo_set_fill_rule(cr_, CAIRO_FILL_RULE_EVEN_ODD);
+    cairo_fill_preserve(cr_);
+    cairo_set_line_width(cr_, lineWidthPx_ * 0.5);
+    cairo_stroke(cr_);
+}
+
+}  // namespace cad::render

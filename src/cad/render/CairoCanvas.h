@@ -29,6 +29,7 @@ public:
     void Dot(Point2 at, Rgb colour) override;
     void Text(const TextLine& line, Rgb colour) override;
     void MText(const TextBlock& block, Rgb colour) override;
+    void Fill(const std::vector<std::vector<Point2>>& rings, Rgb colour) override;
 
     // The advance of `text` in drawing units for a capital height and width factor, as this
     // canvas will draw it.

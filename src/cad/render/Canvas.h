@@ -72,6 +72,11 @@ public:
     virtual void Dot(Point2 at, Rgb colour) = 0;
     virtual void Text(const TextLine& line, Rgb colour) = 0;
     virtual void MText(const TextBlock& block, Rgb colour) = 0;
+    // Rings filled by the even-odd rule (solid hatches, solids, wipeouts).
+    virtual void Fill(const std::vector<std::vector<Point2>>& rings, Rgb colour) = 0;
+    // Bracket the drawing of one entity of the space (a view may group or cache by them).
+    virtual void BeginEntity(unsigned long long /*handle*/) {}
+    virtual void EndEntity() {}
 };
 
 }  // namespace cad::render

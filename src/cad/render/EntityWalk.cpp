@@ -5,6 +5,7 @@
 #include <numbers>
 
 #include "cad/Operations.h"
+#include "cad/RawShapes.h"
 #include "cad/render/Colours.h"
 
 namespace cad::render {
@@ -28,19 +29,31 @@ public:
 
     void Space(Handle space, const Context& ctx) {
         for (const Entity* entity : db_.Entities(space)) {
+            if (ctx.depth == 0) {
+                canvas_.BeginEntity(entity->handle);
+            }
             One(*entity, ctx);
+            if (ctx.depth == 0) {
+                canvas_.EndEntity();
+            }
         }
     }
+
+    void Draw(const Entity& e) { One(e, Context{}); }
+
+    // Lines without end stop at this box; `measuring` draws only their base points.
+    Box reach;
+    bool measuring = false;
 
     WalkCounts counts;
 
 private:
-    Handle EffectiveLayer(const Entity& e, const Context& ctx) const {
-        const LayerRecord* layer = db_.Layer(e.layer);
+    Handle EffectiveLayer(Handle entityLayer, const Context& ctx) const {
+        const LayerRecord* layer = db_.Layer(entityLayer);
         if (ctx.insideReference && layer && layer->name == "0" && ctx.blockLayer) {
             return ctx.blockLayer;
         }
-        return e.layer;
+        return entityLayer;
     }
 
     bool LayerShown(Handle layerHandle) const {
@@ -48,15 +61,15 @@ private:
         return !layer || (layer->color >= 0 && (layer->flags & 1) == 0);
     }
 
-    int ColourIndex(const Entity& e, Handle layerHandle, const Context& ctx) const {
-        if (e.color == kColorByBlock) {
+    int ColourIndex(int color, Handle layerHandle, const Context& ctx) const {
+        if (color == kColorByBlock) {
             return ctx.blockColour;
         }
-        if (e.color == kColorByLayer || e.color < 0 || e.color > 255) {
+        if (color == kColorByLayer || color < 0 || color > 255) {
             const LayerRecord* layer = db_.Layer(layerHandle);
             return layer ? std::abs(layer->color) : 7;
         }
-        return e.color;
+        return color;
     }
 
     void One(const Entity& e, const Context& ctx);
@@ -68,6 +81,9 @@ private:
     void DrawText(const Text& text, const std::string& shown, Rgb colour, const Matrix3d& m);
     void DrawMText(const MText& text, Rgb colour, const Matrix3d& m);
     void DrawPolyline(const LwPolyline& pl, Rgb colour, const Matrix3d& m);
+    bool DrawRaw(const UnknownEntity& e, Rgb colour, const Matrix3d& m, int index, Handle layer,
+                 const Context& ctx);
+    void DrawInfinite(const RawInfiniteLine& line, Rgb colour, const Matrix3d& m);
 
     const Database& db_;
     Canvas& canvas_;
@@ -97,17 +113,22 @@ double MeanScale(const Matrix3d& m) {
 }
 
 void Walker::One(const Entity& e, const Context& ctx) {
-    const Handle layer = EffectiveLayer(e, ctx);
-    if (e.erased || !e.visible || !LayerShown(layer)) {
+    // An entity kept as tags names its layer and colour in them.
+    const auto* raw = Database::Cast<UnknownEntity>(&e);
+    const Handle layer = EffectiveLayer(raw ? RawEntityLayer(db_, *raw) : e.layer, ctx);
+    const bool visible = raw ? RawEntityVisible(*raw) : e.visible;
+    if (e.erased || !visible || !LayerShown(layer)) {
         ++counts.skipped;
         return;
     }
-    const int index = ColourIndex(e, layer, ctx);
+    const int index = ColourIndex(raw ? RawEntityColour(*raw) : e.color, layer, ctx);
     const Rgb colour = PaintColour(index, options_.background);
     const Matrix3d& m = ctx.toWorld;
     bool drawn = true;
     if (e.Kind() == ObjectKind::BlockReference) {
         Reference(static_cast<const BlockReference&>(e), index, layer, ctx);
+    } else if (raw) {
+        drawn = DrawRaw(*raw, colour, m, index, layer, ctx);
     } else {
         drawn = Geometry(e, colour, m) || Texts(e, colour, m, ctx);
     }
@@ -192,6 +213,84 @@ void Walker::Reference(const BlockReference& ref, int colour, Handle layer, cons
     }
 }
 
+bool Walker::DrawRaw(const UnknownEntity& e, Rgb colour, const Matrix3d& m, int index, Handle layer,
+                     const Context& ctx) {
+    const RawGeometry g = RawEntityGeometry(db_, e);
+    if (!g.block.empty()) {
+        const Handle block = db_.FindBlock(g.block);
+        if (block == kNullHandle || ctx.depth >= options_.maxDepth) {
+            return false;
+        }
+        Context inner = ctx;
+        inner.blockColour = index;
+        inner.blockLayer = layer;
+        inner.depth = ctx.depth + 1;
+        inner.insideReference = true;
+        Space(block, inner);
+        return true;
+    }
+    for (const RawShape& shape : g.shapes) {
+        std::vector<std::vector<Point2>> rings;
+        for (const auto& path : shape.paths) {
+            std::vector<Point2> points;
+            points.reserve(path.size());
+            for (const Point3d& p : path) {
+                points.push_back(At(m, p));
+            }
+            rings.push_back(std::move(points));
+        }
+        if (shape.paint == RawShape::Paint::Stroke) {
+            for (const auto& points : rings) {
+                std::vector<PolyVertex> vertices(points.size());
+                for (std::size_t i = 0; i < points.size(); ++i) {
+                    vertices[i].point = points[i];
+                }
+                canvas_.Polyline(vertices, false, colour);
+            }
+        } else {
+            canvas_.Fill(rings,
+                         shape.paint == RawShape::Paint::Wipe ? options_.background : colour);
+        }
+    }
+    for (const RawInfiniteLine& line : g.infiniteLines) {
+        DrawInfinite(line, colour, m);
+    }
+    return g.drawable;
+}
+
+// Clipped to the reach box (Liang-Barsky), so that a line without end never widens it.
+void Walker::DrawInfinite(const RawInfiniteLine& line, Rgb colour, const Matrix3d& m) {
+    const Point2 base = At(m, line.base);
+    if (measuring || reach.Empty()) {
+        canvas_.Dot(base, colour);
+        return;
+    }
+    const Point2 tip = At(m, line.base + line.direction);
+    const double dx = tip.x - base.x, dy = tip.y - base.y;
+    double t0 = line.bothWays ? -1e300 : 0, t1 = 1e300;
+    const double p[4] = {-dx, dx, -dy, dy};
+    const double q[4] = {base.x - reach.min.x, reach.max.x - base.x, base.y - reach.min.y,
+                         reach.max.y - base.y};
+    for (int k = 0; k < 4; ++k) {
+        if (p[k] == 0) {
+            if (q[k] < 0) {
+                return;
+            }
+            continue;
+        }
+        const double t = q[k] / p[k];
+        if (p[k] < 0) {
+            t0 = std::max(t0, t);
+        } else {
+            t1 = std::min(t1, t);
+        }
+    }
+    if (t0 <= t1) {
+        canvas_.Line({base.x + dx * t0, base.y + dy * t0}, {base.x + dx * t1, base.y + dy * t1},
+                     colour);
+    }
+}
+
 void Walker::DrawPolyline(const LwPolyline& pl, Rgb colour, const Matrix3d& m) {
     const double scale = MeanScale(m);
     const bool mirrored = Mirrors(m);
@@ -265,8 +364,31 @@ WalkCounts DrawSpace(const Database& db, Canvas& canvas, const WalkOptions& opti
         return refused;
     }
     Walker walker(db, canvas, options);
+    walker.reach = options.view;
+    if (walker.reach.Empty()) {
+        BoundsCanvas bounds;
+        Walker measure(db, bounds, options);
+        measure.measuring = true;
+        measure.Space(drawn, Context{});
+        walker.reach = bounds.Bounds();
+    }
     Context ctx;
     walker.Space(drawn, ctx);
+    return walker.counts;
+}
+
+WalkCounts DrawEntity(const Database& db, Canvas& canvas, const WalkOptions& options,
+                      Handle entity) {
+    const auto* e = db.Get<Entity>(entity);
+    WalkCounts counts;
+    if (e == nullptr) {
+        return counts;
+    }
+    Walker walker(db, canvas, options);
+    walker.reach = options.view;
+    canvas.BeginEntity(entity);
+    walker.Draw(*e);
+    canvas.EndEntity();
     return walker.counts;
 }
 

@@ -6,6 +6,7 @@
 
 #include "cad/Database.h"
 #include "cad/Expansion.h"
+#include "cad/render/BoundsCanvas.h"
 #include "cad/render/Canvas.h"
 
 namespace cad::render {
@@ -13,6 +14,9 @@ namespace cad::render {
 struct WalkOptions {
     Rgb background{1, 1, 1};  // decides the colour of index 7 and the darkening of light ones
     int maxDepth = kMaxBlockNesting;  // nested block references deeper are left out
+    // How far lines without end reach: this area (the view), or the drawing's own extents
+    // when empty.
+    Box view;
 };
 
 // What the walk met, for the caller's report.
@@ -29,5 +33,9 @@ struct WalkCounts {
 // says why), so no drawing can make the walk run without end.
 WalkCounts DrawSpace(const Database& db, Canvas& canvas, const WalkOptions& options,
                      Handle space = kNullHandle);
+
+// Draws the one entity `entity` as the walk draws it in its space (a drag preview).
+WalkCounts DrawEntity(const Database& db, Canvas& canvas, const WalkOptions& options,
+                      Handle entity);
 
 }  // namespace cad::render
