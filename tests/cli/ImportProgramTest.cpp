@@ -110,6 +110,17 @@ TEST_F(ImportProgramTest, FillsAnEmptyLibraryThenAddsOnlyTheDashTypeAgain) {
     EXPECT_EQ(Count("Select * from Delta_IO_data where TermValue='X1' and TERMDESC='Input 1'"), 1u);
     EXPECT_EQ(Count("Select * from Delta_IO_data where TermValue='' and TERMDESC=''"), 1u);
 
+    // An imported module is drawn like any module of the library.
+    fs::create_directories(dir_ / "local/PLC");
+    fs::copy_file(library, dir_ / "local/PLC/QvPLC.db");
+    const fs::path drawing = dir_ / "imported.dxf";
+    run = Qvplc("draw '欧姆/S1/DI/OM-16' --tag A1 --at 0,0 --save-format 48 --drawing '" +
+                drawing.string() + "'");
+    ASSERT_EQ(run.code, cli::kExitOk) << run.err;
+    const std::string text = ReadFile(drawing);
+    EXPECT_NE(text.find("\n0.0\n"), std::string::npos);
+    EXPECT_NE(text.find("输入0"), std::string::npos);
+
     run = Import(ace);
     ASSERT_EQ(run.code, cli::kExitOk) << run.err;
     EXPECT_NE(run.out.find("added 1 type rows\n  Delta / D9 / IO (Delta-IO)\n"), std::string::npos);
