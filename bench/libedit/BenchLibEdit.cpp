@@ -14,6 +14,7 @@
 #include <string>
 #include <vector>
 
+#include "QuietHost.h"
 #include "host/Host.h"
 #include "libedit/DlgPlcDataLibEdit.h"
 #include "plclib/Engine.h"
@@ -27,40 +28,6 @@ const char* kTermTable =
     "_data(CODE CHAR(60) NOT NULL,SEQUENCE int NOT NULL,TermValue CHAR(60),TERMDESC "
     "CHAR(60),DETAILTERMDESC MEMO,primary key(CODE,SEQUENCE))";
 constexpr int kRows = 500;
-
-// Answers every question with OK and shows nothing.
-class QuietHost final : public host::IHost {
-public:
-    void Print(std::string_view) override {}
-    host::MsgResult MessageBox(const host::MessageBoxRequest& request) override {
-        if (request.buttons == host::MsgButtons::Ok) {
-            std::fprintf(stderr, "bench_libedit: %s\n", request.text.c_str());
-        }
-        return host::MsgResult::Ok;
-    }
-    void SetWaitCursor(bool) override {}
-    void ActivateMainWindow() override {}
-    void LockDocument() override {}
-    void UnlockDocument() override {}
-    void SendCommandString(std::string_view) override {}
-    cad::Database* WorkingDatabase() override { return nullptr; }
-    host::InputStatus GetPoint(std::string_view, const cad::Point3d*, cad::Point3d&) override {
-        return host::InputStatus::Cancel;
-    }
-    host::InputStatus Drag(cad::Handle, std::string_view, const host::DragTransform&,
-                           cad::Point3d&) override {
-        return host::InputStatus::Cancel;
-    }
-    cad::Point3d UcsToWcs(const cad::Point3d& point) override { return point; }
-    std::string GetVariable(std::string_view) override { return {}; }
-    std::string GetEnvironment(std::string_view) override { return {}; }
-    void SetEnvironment(std::string_view, std::string_view) override {}
-    bool AddCommand(std::string_view, std::string_view, std::string_view, int,
-                    host::CommandHandler) override {
-        return true;
-    }
-    void RemoveGroup(std::string_view) override {}
-};
 
 void Run(plcdb::Connection& db, const std::string& sql) {
     std::string error;
@@ -166,7 +133,7 @@ int main() {
     setenv("ZANDRIX_LOCAL_DIR", dir.c_str(), 1);
     const std::string path = (dir / "PLC" / "QvPLC.db").string();
     MakeLibrary(path);
-    QuietHost quiet;
+    bench::QuietHost quiet("bench_libedit");
     host::ScopedHost scoped(quiet);
 
     CDlgPlcDataLibEdit dlg;

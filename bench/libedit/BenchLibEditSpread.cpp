@@ -24,6 +24,7 @@
 #include <string>
 #include <vector>
 
+#include "QuietHost.h"
 #include "host/Host.h"
 #include "libedit/DlgPlcDataLibEdit.h"
 #include "plclib/Engine.h"
@@ -133,40 +134,6 @@ size_t ReadAll(sqlite3* db, const std::string& sql) {
     sqlite3_finalize(statement);
     return rows.size();
 }
-
-// Answers the delete's question with OK and keeps quiet otherwise.
-class QuietHost : public host::IHost {
-public:
-    void Print(std::string_view) override {}
-    host::MsgResult MessageBox(const host::MessageBoxRequest& request) override {
-        if (request.buttons == host::MsgButtons::Ok) {
-            std::fprintf(stderr, "bench_libedit_spread: message: %s\n", request.text.c_str());
-        }
-        return host::MsgResult::Ok;
-    }
-    void SetWaitCursor(bool) override {}
-    void ActivateMainWindow() override {}
-    void LockDocument() override {}
-    void UnlockDocument() override {}
-    void SendCommandString(std::string_view) override {}
-    cad::Database* WorkingDatabase() override { return nullptr; }
-    host::InputStatus GetPoint(std::string_view, const cad::Point3d*, cad::Point3d&) override {
-        return host::InputStatus::Cancel;
-    }
-    host::InputStatus Drag(cad::Handle, std::string_view, const host::DragTransform&,
-                           cad::Point3d&) override {
-        return host::InputStatus::Cancel;
-    }
-    cad::Point3d UcsToWcs(const cad::Point3d& point) override { return point; }
-    std::string GetVariable(std::string_view) override { return {}; }
-    std::string GetEnvironment(std::string_view) override { return {}; }
-    void SetEnvironment(std::string_view, std::string_view) override {}
-    bool AddCommand(std::string_view, std::string_view, std::string_view, int,
-                    host::CommandHandler) override {
-        return true;
-    }
-    void RemoveGroup(std::string_view) override {}
-};
 
 void Check(bool ok, const char* what) {
     if (!ok) {
@@ -312,7 +279,7 @@ int main() {
         fs::temp_directory_path() / ("bench_libedit_spread_" + std::to_string(getpid()));
     fs::create_directories(dir);
     setenv("ZANDRIX_LOCAL_DIR", dir.c_str(), 1);  // the editor's last selection and stamp
-    QuietHost quiet;
+    bench::QuietHost quiet("bench_libedit_spread");
     host::ScopedHost scope(quiet);
     const std::string path = MakeLibrary(dir);
     {
