@@ -30,7 +30,7 @@ std::string Table(int type) {
     return "T" + std::to_string(type);
 }
 
-void WriteSpec(const fs::path& path, int types) {
+void WriteTables(const fs::path& path, int types) {
     std::ofstream out(path);
     out << R"({"tables":[{"name":"PLC_MANUFACTURER","columns":[{"name":"MANUFACTURER","type":"text"},)"
            R"({"name":"SERIES","type":"text"},{"name":"TYPE","type":"text"},{"name":"TABLE_NAME","type":"text"}],"rows":[)";
@@ -176,14 +176,15 @@ int main(int argc, char** argv) {
     const fs::path dir = fs::temp_directory_path() / ("bench_import." + std::to_string(getpid()));
     fs::create_directories(dir / "x");
     const fs::path mdb = dir / "x" / "ace_plc.mdb";
-    WriteSpec(dir / "spec.json", types);
+    WriteTables(dir / "tables.json", types);
     const std::string write = std::string("'") + QV_JETWRITE + "' '" +
-                              (dir / "spec.json").string() + "' '" + mdb.string() + "' >/dev/null";
+                              (dir / "tables.json").string() + "' '" + mdb.string() +
+                              "' >/dev/null";
     if (std::system(write.c_str()) != 0) {
         std::fprintf(stderr, "bench_import: the Jet writer failed\n");
         return 1;
     }
-    fs::remove(dir / "spec.json");
+    fs::remove(dir / "tables.json");
 
     std::string error;
     {

@@ -5,7 +5,7 @@
 
 #include "ExitCodes.h"
 #include "LibEditArgs.h"
-#include "LibEditSpecs.h"
+#include "LibEditHelp.h"
 #include "host/SuiteServices.h"
 #include "libedit/DlgPlcDataLibEdit.h"
 #include "plclib/LibrarySql.h"
@@ -329,7 +329,7 @@ std::string EditedLibrary(const ParsedArgs& args) {
 
 std::optional<ParsedArgs> ParseEditArgs(const EditCommand& command, const Arguments& words,
                                         std::string& error) {
-    auto parsed = Parse(*command.spec, words);
+    auto parsed = Parse(*command.form, words);
     if (!parsed) {
         error.clear();  // Parse has said what was wrong
         return std::nullopt;
@@ -339,7 +339,7 @@ std::optional<ParsedArgs> ParseEditArgs(const EditCommand& command, const Argume
     }
     const size_t count = parsed->positional.size();
     if (count < command.minArgs || count > command.maxArgs) {
-        const char* usage = command.spec->usage.c_str();
+        const char* usage = command.form->usage.c_str();
         if (command.maxArgs == 1) {
             error = Sprintf("%s takes one argument; usage: %s", command.name, usage);
         } else if (command.minArgs == command.maxArgs) {

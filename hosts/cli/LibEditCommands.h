@@ -21,7 +21,7 @@ struct StepResult {
 
 struct EditCommand {
     const char* name;  // "new-module", "term insert"
-    const CommandSpec* spec;
+    const CommandSpec* form;
     size_t minArgs, maxArgs;
     // Checks the arguments before anything is opened (a usage error, or nullopt when fine).
     std::optional<std::string> (*check)(const ParsedArgs& args);

@@ -5,7 +5,7 @@
 
 #include "ExitCodes.h"
 #include "LibEditCommands.h"
-#include "LibEditSpecs.h"
+#include "LibEditHelp.h"
 #include "Messages.h"
 
 namespace cli {
@@ -135,7 +135,7 @@ int RunEditCommand(const EditCommand& command, const Arguments& words, CliHost& 
         return kExitUsage;
     }
     if (args->help) {
-        std::fputs(HelpText(*command.spec).c_str(), stdout);
+        std::fputs(HelpText(*command.form).c_str(), stdout);
         return kExitOk;
     }
     host.answer = args->Has("yes") ? Answer::Yes : Answer::None;

@@ -26,7 +26,7 @@ const char* const kTermColumns =
     R"([{"name":"Code","type":"text"},{"name":"SEQUENCE","type":"long"},)"
     R"({"name":"ATTRIBUTES","type":"memo"}])";
 
-std::string AceSpec(const std::string& typeColumn = "TABLE_NAME") {
+std::string AceTables(const std::string& typeColumn = "TABLE_NAME") {
     return std::string(R"({"tables":[{"name":"PLC_MANUFACTURER","columns":[)") +
            R"({"name":"MANUFACTURER","type":"text"},{"name":"SERIES","type":"text"},)" +
            R"({"name":"TYPE","type":"text"},{"name":")" + typeColumn +
@@ -65,12 +65,12 @@ protected:
     Outcome Qvplc(const std::string& args) {
         return Run((testing_support::BinaryDir() / "bin/qvplc").string(), args);
     }
-    fs::path Ace(const std::string& spec, const std::string& name = "ace_plc.mdb") {
-        WriteFile(dir_ / "spec.json", spec);
+    fs::path Ace(const std::string& tables, const std::string& name = "ace_plc.mdb") {
+        WriteFile(dir_ / "tables.json", tables);
         const fs::path out = dir_ / name;
         const Outcome run =
             Run((testing_support::BinaryDir() / "tests/tools/jetwrite/jetwrite").string(),
-                "'" + (dir_ / "spec.json").string() + "' '" + out.string() + "'");
+                "'" + (dir_ / "tables.json").string() + "' '" + out.string() + "'");
         EXPECT_EQ(run.code, 0) << run.err;
         return out;
     }
@@ -92,7 +92,7 @@ protected:
 };
 
 TEST_F(ImportProgramTest, FillsAnEmptyLibraryThenAddsOnlyTheDashTypeAgain) {
-    const fs::path ace = Ace(AceSpec());
+    const fs::path ace = Ace(AceTables());
     const std::string before = ReadFile(library);
     Outcome run = Import(ace, "--dry-run");
     ASSERT_EQ(run.code, cli::kExitOk) << run.err;
@@ -136,7 +136,7 @@ TEST_F(ImportProgramTest, BadFilesAreNamedAndTheLibraryStaysUsable) {
     EXPECT_NE(run.err.find(dir_.Path().string() + "/ace_plc.mdb: "), std::string::npos) << run.err;
     EXPECT_NE(run.err.find("导入数据库中数据库连接出现错误!"), std::string::npos);
 
-    const fs::path good = Ace(AceSpec());
+    const fs::path good = Ace(AceTables());
     const std::string whole = ReadFile(good);
     fs::create_directory(dir_ / "cut");
     WriteFile(dir_ / "cut/ace_plc.mdb", whole.substr(0, whole.size() / 3));
@@ -145,7 +145,7 @@ TEST_F(ImportProgramTest, BadFilesAreNamedAndTheLibraryStaysUsable) {
     EXPECT_NE(run.err.find("cut/ace_plc.mdb"), std::string::npos) << run.err;
 
     fs::create_directory(dir_ / "cols");
-    run = Import(Ace(AceSpec("TABLENAME"), "cols/ace_plc.mdb"));
+    run = Import(Ace(AceTables("TABLENAME"), "cols/ace_plc.mdb"));
     EXPECT_EQ(run.code, cli::kExitBadInput);
     EXPECT_NE(run.err.find("PLC_MANUFACTURER has no column TABLE_NAME"), std::string::npos);
 
@@ -164,37 +164,38 @@ TEST_F(ImportProgramTest, BadFilesAreNamedAndTheLibraryStaysUsable) {
 // split by hand.
 TEST_F(ImportProgramTest, LargeSourceMatchesMdbExport) {
     constexpr int kTypes = 100, kModules = 25, kTerms = 3;
-    std::string spec =
+    std::string tables =
         R"({"tables":[{"name":"PLC_MANUFACTURER","columns":[)"
         R"({"name":"MANUFACTURER","type":"text"},{"name":"SERIES","type":"text"},)"
         R"({"name":"TYPE","type":"text"},{"name":"TABLE_NAME","type":"text"}],"rows":[)";
     for (int t = 0; t < kTypes; ++t) {
-        spec += std::string(t ? "," : "") + "[\"M" + std::to_string(t % 7) + "\",\"S\",\"T" +
-                std::to_string(t) + "\",\"T" + std::to_string(t) + "\"]";
+        tables += std::string(t ? "," : "") + "[\"M" + std::to_string(t % 7) + "\",\"S\",\"T" +
+                  std::to_string(t) + "\",\"T" + std::to_string(t) + "\"]";
     }
-    spec += "]}";
+    tables += "]}";
     for (int t = 0; t < kTypes; ++t) {
         const std::string table = "T" + std::to_string(t);
-        spec += R"(,{"name":")" + table + R"(","columns":)" + kModuleColumns + R"(,"rows":[)";
+        tables += R"(,{"name":")" + table + R"(","columns":)" + kModuleColumns + R"(,"rows":[)";
         for (int m = 0; m < kModules; ++m) {
-            spec += std::string(m ? "," : "") + "[\"C" + std::to_string(m) +
-                    "\",\"3\",null,\"d\",\"\"]";
+            tables += std::string(m ? "," : "") + "[\"C" + std::to_string(m) +
+                      "\",\"3\",null,\"d\",\"\"]";
         }
-        spec += R"(]},{"name":")" + table + R"(_data","columns":)" + kTermColumns + R"(,"rows":[)";
+        tables +=
+            R"(]},{"name":")" + table + R"(_data","columns":)" + kTermColumns + R"(,"rows":[)";
         for (int m = 0; m < kModules; ++m) {
             for (int q = 1; q <= kTerms; ++q) {
                 const std::string attributes =
                     q == 1 ? "TERM_=X" + std::to_string(m) + ";TERMDESC_=输入 " + std::to_string(q)
                     : q == 2 ? "TERMDESC_=D;A=B;TERM_=" + std::to_string(t * m)
                              : "NOTHING=1";
-                spec += std::string(m || q > 1 ? "," : "") + "[\"C" + std::to_string(m) + "\"," +
-                        std::to_string(q) + ",\"" + attributes + "\"]";
+                tables += std::string(m || q > 1 ? "," : "") + "[\"C" + std::to_string(m) + "\"," +
+                          std::to_string(q) + ",\"" + attributes + "\"]";
             }
         }
-        spec += "]}";
+        tables += "]}";
     }
-    spec += "]}";
-    const fs::path ace = Ace(spec);
+    tables += "]}";
+    const fs::path ace = Ace(tables);
     ASSERT_EQ(Import(ace).code, cli::kExitOk);
 
     plcdb::Connection db;

@@ -9,7 +9,7 @@
 
 #include "JetWriter.h"
 #include "Json.h"
-#include "Spec.h"
+#include "TableDescription.h"
 #include "TestPaths.h"
 #include "Text.h"
 
@@ -21,11 +21,11 @@ using jetwrite::ColumnType;
 std::string LoadError(const std::string& json) {
     jetwrite::Database db;
     std::string error;
-    EXPECT_FALSE(jetwrite::LoadSpec(json, db, error)) << json;
+    EXPECT_FALSE(jetwrite::LoadDescription(json, db, error)) << json;
     return error;
 }
 
-TEST(JetWriteSpecTest, ReadsADescriptionWithEveryKindOfField) {
+TEST(JetWriteDescriptionTest, ReadsADescriptionWithEveryKindOfField) {
     const std::string json = R"({"tables": [
         {"name": "T", "columns": [{"name": "A", "type": "text", "length": 60},
                                   {"name": "B", "type": "memo"}, {"name": "C", "type": "long"}],
@@ -33,7 +33,7 @@ TEST(JetWriteSpecTest, ReadsADescriptionWithEveryKindOfField) {
         {"name": "Empty", "columns": [{"name": "A", "type": "text"}]}]})";
     jetwrite::Database db;
     std::string error;
-    ASSERT_TRUE(jetwrite::LoadSpec(json, db, error)) << error;
+    ASSERT_TRUE(jetwrite::LoadDescription(json, db, error)) << error;
     ASSERT_EQ(db.tables.size(), 2u);
     const auto& t = db.tables[0];
     EXPECT_EQ(t.columns[0].length, 60);
@@ -48,7 +48,7 @@ TEST(JetWriteSpecTest, ReadsADescriptionWithEveryKindOfField) {
     EXPECT_TRUE(db.tables[1].rows.empty());
 }
 
-TEST(JetWriteSpecTest, MalformedJsonIsNamedByLineAndColumn) {
+TEST(JetWriteDescriptionTest, MalformedJsonIsNamedByLineAndColumn) {
     struct Case {
         const char* json;
         const char* error;
@@ -78,7 +78,7 @@ TEST(JetWriteSpecTest, MalformedJsonIsNamedByLineAndColumn) {
     EXPECT_NE(error.find("nested too deeply"), std::string::npos) << error;
 }
 
-TEST(JetWriteSpecTest, DescriptionsThatSayTheWrongThingAreNamedByPath) {
+TEST(JetWriteDescriptionTest, DescriptionsThatSayTheWrongThingAreNamedByPath) {
     const std::string head = R"({"tables": [{"name": "T", "columns": [)";
     struct Case {
         std::string json;

@@ -122,19 +122,19 @@ def other_cad():
 
 def check_refusals():
     """Bad descriptions are refused with their place named, and no file is left."""
-    spec = os.path.join(WORKDIR, "bad.json")
+    description = os.path.join(WORKDIR, "bad.json")
     out = os.path.join(WORKDIR, "bad.mdb")
     for text, expected in [('{"tables": [\n  {"name": "T", "columns": []},]}',
                             "bad.json: line 2, column 32: unexpected character"),
                            ('{"tables": [{"name": "T", "columns": [{"name": "A", "type": "text",'
                             ' "length": 2}], "rows": [["abc"]]}]}',
                             'table "T", row 1, column "A": the text has 3 characters')]:
-        with open(spec, "w", encoding="utf-8") as f:
+        with open(description, "w", encoding="utf-8") as f:
             f.write(text)
-        result = subprocess.run([JETWRITE, spec, out], capture_output=True, text=True)
+        result = subprocess.run([JETWRITE, description, out], capture_output=True, text=True)
         if result.returncode != 1 or expected not in result.stderr or os.path.exists(out):
             fail("refusals", "%r gave %d: %s" % (text, result.returncode, result.stderr))
-    result = subprocess.run([JETWRITE, spec], capture_output=True, text=True)
+    result = subprocess.run([JETWRITE, description], capture_output=True, text=True)
     if result.returncode != 2 or "usage: jetwrite" not in result.stderr:
         fail("refusals", "a missing argument gave %d: %s" % (result.returncode, result.stderr))
 
@@ -189,11 +189,11 @@ def check_rows(case, path, t):
 
 
 def check(case, tables, options):
-    spec = os.path.join(WORKDIR, case + ".json")
+    description = os.path.join(WORKDIR, case + ".json")
     path = os.path.join(WORKDIR, case + "".join(options) + ".mdb")
-    with open(spec, "w", encoding="utf-8") as f:
+    with open(description, "w", encoding="utf-8") as f:
         json.dump({"tables": tables}, f, ensure_ascii=False)
-    run([JETWRITE] + options + [spec, path])
+    run([JETWRITE] + options + [description, path])
     listed = run(["mdb-tables", "-1", path]).splitlines()
     if listed != [t["name"] for t in tables]:
         fail(case, "mdb-tables lists %s" % listed[:10])

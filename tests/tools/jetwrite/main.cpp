@@ -1,4 +1,4 @@
-// jetwrite SPEC.json OUT.mdb: writes the Access file a table description describes.
+// jetwrite TABLES.json OUT.mdb: writes the Access file a table description describes.
 #include <cstdio>
 #include <cstring>
 #include <fstream>
@@ -7,12 +7,12 @@
 #include <string>
 
 #include "JetWriter.h"
-#include "Spec.h"
+#include "TableDescription.h"
 
 namespace {
 
 int Usage() {
-    std::cerr << "usage: jetwrite [--plain-text] [--indirect-maps] SPEC.json OUT.mdb\n"
+    std::cerr << "usage: jetwrite [--plain-text] [--indirect-maps] TABLES.json OUT.mdb\n"
                  "  --plain-text     store every text as UTF-16LE, never compressed\n"
                  "  --indirect-maps  give every table a page-indirect usage map\n";
     return 2;
@@ -48,7 +48,7 @@ int main(int argc, char** argv) {
     text << in.rdbuf();
     jetwrite::Database db;
     std::string error;
-    if (!jetwrite::LoadSpec(text.str(), db, error)) {
+    if (!jetwrite::LoadDescription(text.str(), db, error)) {
         std::cerr << "jetwrite: " << files[0] << ": " << error << "\n";
         return 1;
     }

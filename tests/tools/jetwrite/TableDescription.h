@@ -12,6 +12,6 @@
 namespace jetwrite {
 
 // False with "line L, column C: what" in `error`.
-bool LoadSpec(std::string_view json, Database& db, std::string& error);
+bool LoadDescription(std::string_view json, Database& db, std::string& error);
 
 }  // namespace jetwrite

@@ -1,5 +1,5 @@
 // The --help of the editing commands: what each does in the editor, its options, examples.
-#include "LibEditSpecs.h"
+#include "LibEditHelp.h"
 
 namespace cli {
 namespace {

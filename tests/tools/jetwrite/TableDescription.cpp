@@ -1,4 +1,4 @@
-#include "Spec.h"
+#include "TableDescription.h"
 
 #include <charconv>
 #include <initializer_list>
@@ -153,7 +153,7 @@ bool LoadTable(const JsonValue& value, const std::string& path, Table& table, st
 
 }  // namespace
 
-bool LoadSpec(std::string_view json, Database& db, std::string& error) {
+bool LoadDescription(std::string_view json, Database& db, std::string& error) {
     db = Database{};
     JsonValue root;
     if (!ParseJson(json, root, error)) {
