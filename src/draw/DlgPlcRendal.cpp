@@ -44,29 +44,6 @@ void CDlgPlcRendal::Refresh() {
     BuildTree();
 }
 
-void CDlgPlcRendal::Show() {
-    visible = true;
-}
-void CDlgPlcRendal::Minimize() {
-    minimized = true;
-}
-void CDlgPlcRendal::Restore() {
-    minimized = false;
-}
-void CDlgPlcRendal::Activate() {
-    active = true;
-}
-
-bool CDlgPlcRendal::DestroyWindow() {
-    if (!windowCreated) {
-        return false;
-    }
-    windowCreated = false;
-    visible = false;
-    active = false;
-    return true;
-}
-
 void CDlgPlcRendal::BuildTree() {
     tree.Clear();
     if (!plcLib.LoadLibrary()) {

@@ -15,6 +15,7 @@
 
 #include "cad/Handle.h"
 #include "dialog/Controls.h"
+#include "dialog/DialogWindow.h"
 #include "dialog/LastSelection.h"
 #include "dialog/LibraryTree.h"
 #include "draw/ModuleChoice.h"
@@ -59,7 +60,7 @@ struct TermMenuEntry {
     std::string text;
 };
 
-class CDlgPlcRendal : public PlcDrawSettings {
+class CDlgPlcRendal : public PlcDrawSettings, public dialog::DialogWindow {
 public:
     // Loads the drawing settings and sets libPath and the preview paths; the window does
     // not exist yet.
@@ -105,11 +106,7 @@ public:
     std::string editSearch;         // 模块代码 (search text)
     bool horizontalChecked = true;  // radio 水平 (else 垂直)
 
-    // Window state as a toolkit window would have it.
-    bool windowCreated = false;
-    bool visible = false;
-    bool minimized = false;
-    bool active = false;
+    // The window's state (created, visible, minimized, active) is the DialogWindow base.
     std::string focus;             // name of the control holding the focus ("tree", "editTag")
     bool tagTextSelected = false;  // 标号's text is selected after a refused draw
     int listClientWidth = 600;     // client width the list columns are laid out from
@@ -128,12 +125,6 @@ public:
     bool Create();
     // Rebuilds the tree from the library and restores the last selection (each PLCRENDAL).
     void Refresh();
-    void Show();
-    void Minimize();
-    void Restore();
-    void Activate();
-    // Destroys the window; the object stays. False when there is no window.
-    bool DestroyWindow();
 
     // --- user actions --------------------------------------------------------------------
     void SelectTreeNode(dialog::TreeNode* node);

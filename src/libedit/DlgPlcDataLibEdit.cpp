@@ -60,34 +60,6 @@ void CDlgPlcDataLibEdit::RestoreLastSelection() {
     }
 }
 
-void CDlgPlcDataLibEdit::Show() {
-    visible = true;
-}
-
-void CDlgPlcDataLibEdit::Minimize() {
-    minimized = true;
-    active = false;
-}
-
-void CDlgPlcDataLibEdit::Restore() {
-    minimized = false;
-    visible = true;
-}
-
-void CDlgPlcDataLibEdit::Activate() {
-    active = true;
-}
-
-bool CDlgPlcDataLibEdit::DestroyWindow() {
-    if (!windowCreated) {
-        return false;
-    }
-    windowCreated = false;
-    visible = false;
-    active = false;
-    return true;
-}
-
 namespace {
 
 std::string TypeKey(std::string_view manufacturer, std::string_view series, std::string_view type) {

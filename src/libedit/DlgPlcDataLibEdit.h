@@ -19,6 +19,7 @@
 #include <vector>
 
 #include "dialog/Controls.h"
+#include "dialog/DialogWindow.h"
 #include "dialog/LastSelection.h"
 #include "dialog/LibraryTree.h"
 #include "dialog/ModalRunner.h"
@@ -69,7 +70,7 @@ inline constexpr int kTerminalsLoaded = 1;
 
 }  // namespace libedit
 
-class CDlgPlcDataLibEdit {
+class CDlgPlcDataLibEdit : public dialog::DialogWindow {
 public:
     // Sets libPath; the window does not exist yet.
     CDlgPlcDataLibEdit();
@@ -97,11 +98,7 @@ public:
     dialog::ListModel moduleList;  // 模块代号, 通道数, 类型, 描述, 额定值
     dialog::ListModel termList;    // 端点序号, 端号, 端点描述, 端点详细描述
 
-    // Window state as a toolkit window would have it.
-    bool windowCreated = false;
-    bool visible = false;
-    bool minimized = false;
-    bool active = false;
+    // The window's state (created, visible, minimized, active) is the DialogWindow base.
     std::string focus;  // "tree", "moduleList", "termList"
     int moduleListClientWidth = 600;
     int termListClientWidth = 600;
@@ -130,12 +127,6 @@ public:
     // Reads the library, rebuilds the tree (root "PLC", expanded) and restores the last
     // selection from PlcLibEdit.dat; run before each showing.
     void Refresh();
-    void Show();
-    void Minimize();
-    void Restore();
-    void Activate();
-    // Destroys the window; the object stays. False when there is no window.
-    bool DestroyWindow();
 
     // --- user actions: tree ---------------------------------------------------------------
     // Selects a node: fills the module list (a type's modules; a module node's own row,
