@@ -2,7 +2,6 @@
 
 #include <algorithm>
 #include <cstdio>
-#include <sstream>
 
 #include "Messages.h"
 #include "files/TextFile.h"
@@ -95,15 +94,10 @@ void CliHost::SendCommandString(std::string_view text) {
 int CliHost::RunPendingCommands() {
     int ran = 0;
     while (!pending_.empty()) {
-        std::istringstream lines(pending_.front());
+        const auto lines = host::CommandStringLines(pending_.front());
         pending_.pop_front();
-        std::string line;
-        while (std::getline(lines, line)) {
-            const auto it = std::find_if(commands_.begin(), commands_.end(), [&](const Command& c) {
-                return c.name == files::UpperAscii(line);
-            });
-            if (it != commands_.end()) {
-                it->handler();
+        for (const std::string& line : lines) {
+            if (commands_.Run(line)) {
                 ++ran;
             }
         }
@@ -143,14 +137,13 @@ void CliHost::SetEnvironment(std::string_view name, std::string_view value) {
     environment[std::string(name)] = std::string(value);
 }
 
-bool CliHost::AddCommand(std::string_view group, std::string_view globalName, std::string_view, int,
-                         host::CommandHandler handler) {
-    commands_.push_back({std::string(group), files::UpperAscii(globalName), std::move(handler)});
-    return true;
+bool CliHost::AddCommand(std::string_view group, std::string_view globalName,
+                         std::string_view localName, int flags, host::CommandHandler handler) {
+    return commands_.Add(group, globalName, localName, flags, std::move(handler));
 }
 
 void CliHost::RemoveGroup(std::string_view group) {
-    std::erase_if(commands_, [&](const Command& c) { return c.group == group; });
+    commands_.RemoveGroup(group);
 }
 
 }  // namespace cli

@@ -9,6 +9,7 @@
 #include <string>
 #include <vector>
 
+#include "host/CommandRegistry.h"
 #include "host/Host.h"
 
 namespace cli {
@@ -50,14 +51,10 @@ public:
 
     std::map<std::string, std::string> variables;
     std::map<std::string, std::string> environment;
+    const host::CommandRegistry& Commands() const { return commands_; }
 
 private:
-    struct Command {
-        std::string group;
-        std::string name;
-        host::CommandHandler handler;
-    };
-    std::vector<Command> commands_;
+    host::CommandRegistry commands_;
     std::deque<std::string> pending_;
 };
 

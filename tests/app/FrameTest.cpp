@@ -28,16 +28,16 @@ TEST_F(FrameFixture, InitialiseRegistersTheFourCommandsInTheirTwoGroups) {
     EXPECT_TRUE(application.IsUnloadable());
     EXPECT_TRUE(application.IsMdiAware());
     ASSERT_EQ(application.EntryPoint(app::AppMessage::InitApplication), app::AppResult::Ok);
-    ASSERT_EQ(recorder.commands.size(), 4u);
+    ASSERT_EQ(recorder.commands.Commands().size(), 4u);
     const std::pair<const char*, const char*> expected[] = {{"QvPlcRendal", "PlcDataLibEdit"},
                                                             {"QvPlcRendal", "RENDALFULL"},
                                                             {"QvPlcRendal", "DIVRENDAL"},
                                                             {"QVPLCRENDAL", "PLCRENDAL"}};
     for (size_t i = 0; i < 4; ++i) {
-        EXPECT_EQ(recorder.commands[i].group, expected[i].first);
-        EXPECT_EQ(recorder.commands[i].globalName, expected[i].second);
-        EXPECT_EQ(recorder.commands[i].localName, expected[i].second);
-        EXPECT_EQ(recorder.commands[i].flags, 1);
+        EXPECT_EQ(recorder.commands.Commands()[i].group, expected[i].first);
+        EXPECT_EQ(recorder.commands.Commands()[i].globalName, expected[i].second);
+        EXPECT_EQ(recorder.commands.Commands()[i].localName, expected[i].second);
+        EXPECT_EQ(recorder.commands.Commands()[i].flags, 1);
     }
 }
 
@@ -46,7 +46,7 @@ TEST_F(FrameFixture, UnloadRemovesEachGroupOnceInTableOrder) {
     application.EntryPoint(app::AppMessage::InitApplication);
     recorder.calls.clear();
     application.EntryPoint(app::AppMessage::UnloadApplication);
-    EXPECT_TRUE(recorder.commands.empty());
+    EXPECT_TRUE(recorder.commands.Empty());
     EXPECT_EQ(std::count(recorder.calls.begin(), recorder.calls.end(), "RemoveGroup"), 2);
 }
 

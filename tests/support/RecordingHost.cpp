@@ -1,20 +1,6 @@
 #include "RecordingHost.h"
 
-#include <algorithm>
-#include <cctype>
-#include <sstream>
-
 namespace testing_support {
-namespace {
-
-std::string Upper(std::string text) {
-    std::transform(text.begin(), text.end(), text.begin(),
-                   [](unsigned char c) { return static_cast<char>(std::toupper(c)); });
-    return text;
-}
-
-}  // namespace
-
 std::string RecordingHost::AllPrinted() const {
     std::string all;
     for (const auto& p : printed) {
@@ -34,15 +20,9 @@ std::vector<std::string> RecordingHost::MessageTexts() const {
 int RecordingHost::RunSentCommands() {
     int ran = 0;
     while (sentRun_ < sentCommands.size()) {
-        std::istringstream lines(sentCommands[sentRun_++]);
-        std::string line;
-        while (std::getline(lines, line)) {
-            for (const auto& command : commands) {
-                if (Upper(command.globalName) == Upper(line)) {
-                    command.handler();
-                    ++ran;
-                    break;
-                }
+        for (const std::string& line : host::CommandStringLines(sentCommands[sentRun_++])) {
+            if (commands.Run(line)) {
+                ++ran;
             }
         }
     }
@@ -77,7 +57,9 @@ void RecordingHost::SetWaitCursor(bool on) {
     waitCursor = on;
 }
 
-void RecordingHost::ActivateMainWindow() { calls.push_back("ActivateMainWindow"); }
+void RecordingHost::ActivateMainWindow() {
+    calls.push_back("ActivateMainWindow");
+}
 
 void RecordingHost::LockDocument() {
     calls.push_back("LockDocument");
@@ -96,7 +78,9 @@ void RecordingHost::SendCommandString(std::string_view text) {
     }
 }
 
-cad::Database* RecordingHost::WorkingDatabase() { return database; }
+cad::Database* RecordingHost::WorkingDatabase() {
+    return database;
+}
 
 host::InputStatus RecordingHost::GetPoint(std::string_view prompt, const cad::Point3d*,
                                           cad::Point3d& picked) {
@@ -112,8 +96,7 @@ host::InputStatus RecordingHost::GetPoint(std::string_view prompt, const cad::Po
 }
 
 host::InputStatus RecordingHost::Drag(cad::Handle, std::string_view prompt,
-                                      const host::DragTransform& transform,
-                                      cad::Point3d& picked) {
+                                      const host::DragTransform& transform, cad::Point3d& picked) {
     calls.push_back("Drag");
     prompts.emplace_back(prompt);
     if (pointAnswers.empty()) {
@@ -128,7 +111,9 @@ host::InputStatus RecordingHost::Drag(cad::Handle, std::string_view prompt,
     return answer.status;
 }
 
-cad::Point3d RecordingHost::UcsToWcs(const cad::Point3d& point) { return ucs.ToWorld(point); }
+cad::Point3d RecordingHost::UcsToWcs(const cad::Point3d& point) {
+    return ucs.ToWorld(point);
+}
 
 std::string RecordingHost::GetVariable(std::string_view name) {
     const auto it = variables.find(std::string(name));
@@ -149,14 +134,12 @@ bool RecordingHost::AddCommand(std::string_view group, std::string_view globalNa
                                std::string_view localName, int flags,
                                host::CommandHandler handler) {
     calls.push_back("AddCommand");
-    commands.push_back({std::string(group), std::string(globalName), std::string(localName),
-                        flags, std::move(handler)});
-    return true;
+    return commands.Add(group, globalName, localName, flags, std::move(handler));
 }
 
 void RecordingHost::RemoveGroup(std::string_view group) {
     calls.push_back("RemoveGroup");
-    std::erase_if(commands, [&](const RegisteredCommand& c) { return c.group == group; });
+    commands.RemoveGroup(group);
 }
 
 }  // namespace testing_support

@@ -8,6 +8,7 @@
 #include <string>
 #include <vector>
 
+#include "host/CommandRegistry.h"
 #include "host/Host.h"
 
 namespace testing_support {
@@ -17,13 +18,7 @@ struct PointAnswer {
     cad::Point3d point;
 };
 
-struct RegisteredCommand {
-    std::string group;
-    std::string globalName;
-    std::string localName;
-    int flags = 0;
-    host::CommandHandler handler;
-};
+using host::RegisteredCommand;
 
 class RecordingHost : public host::IHost {
 public:
@@ -33,7 +28,7 @@ public:
     std::vector<std::string> sentCommands;
     std::vector<std::string> prompts;
     std::vector<std::string> calls;  // every call by name, in order
-    std::vector<RegisteredCommand> commands;
+    host::CommandRegistry commands;
     int lockDepth = 0;
     bool waitCursor = false;
 
@@ -68,9 +63,8 @@ public:
     std::string GetVariable(std::string_view name) override;
     std::string GetEnvironment(std::string_view name) override;
     void SetEnvironment(std::string_view name, std::string_view value) override;
-    bool AddCommand(std::string_view group, std::string_view globalName,
-                    std::string_view localName, int flags,
-                    host::CommandHandler handler) override;
+    bool AddCommand(std::string_view group, std::string_view globalName, std::string_view localName,
+                    int flags, host::CommandHandler handler) override;
     void RemoveGroup(std::string_view group) override;
 
     // The last transform applied by Drag, for checks of drag placement.
