@@ -81,16 +81,27 @@ bool Plugin::Initialise(host::IHost& host) {
     return initialised_;
 }
 
+void Plugin::Attach(int (*entry)(host::IHost*, int), const char* (*dialogLine)(const char*),
+                    const char* (*dialogHelp)()) {
+    Unload();
+    entry_ = entry;
+    dialogLine_ = dialogLine;
+    dialogHelp_ = dialogHelp;
+    path_ = "(linked in)";
+}
+
 void Plugin::Unload() {
-    if (handle_ == nullptr) {
+    if (entry_ == nullptr) {
         return;
     }
     if (initialised_) {
         entry_(nullptr, static_cast<int>(app::AppMessage::UnloadApplication));
         initialised_ = false;
     }
-    dlclose(handle_);
-    handle_ = nullptr;
+    if (handle_ != nullptr) {
+        dlclose(handle_);
+        handle_ = nullptr;
+    }
     entry_ = nullptr;
     dialogLine_ = nullptr;
     dialogHelp_ = nullptr;

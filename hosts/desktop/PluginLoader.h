@@ -26,6 +26,10 @@ public:
     // Opens the library and finds its entry. False with `error` naming the path and the
     // loader's reason.
     bool Load(const std::string& path, std::string& error);
+    // Uses a plug-in linked into the program instead of a library (tests reach its dialogs
+    // directly this way); Unload then only sends the unload message.
+    void Attach(int (*entry)(host::IHost*, int), const char* (*dialogLine)(const char*),
+                const char* (*dialogHelp)());
     // The first candidate that exists is loaded; false with `error` when none loads.
     bool LoadFirst(const std::vector<std::string>& candidates, std::string& error);
     // Sends the initialise-application message: the plug-in registers its commands.
@@ -34,7 +38,7 @@ public:
     // the library. Harmless when nothing is loaded.
     void Unload();
 
-    bool Loaded() const { return handle_ != nullptr; }
+    bool Loaded() const { return entry_ != nullptr; }
     const std::string& Path() const { return path_; }
     // One "dialog ..." script line acted on by the plug-in's dialog views: "" when done.
     std::string RunDialogLine(std::string_view line) const;
