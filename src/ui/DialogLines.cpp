@@ -11,7 +11,9 @@
 
 #include <memory>
 
+#include "ui/ModalScript.h"
 #include "ui/PlcRendalView.h"
+#include "ui/SettingsViews.h"
 #include "ui/Text.h"
 #include "ui/Views.h"
 
@@ -181,8 +183,13 @@ std::string Press(PlcRendalView& view, const std::string& name) {
             "unknown button %s; the buttons are search, refresh, settings, draw, divided, close",
             name);
     }
+    if (name == "settings") {
+        // A script cannot answer a sheet that waits for the user: one left open is cancelled.
+        KeepModalLine("sheet", "cancel");
+    }
     button->click();
-    return {};
+    // Lines kept for the settings sheet were played on it while it was open.
+    return TakeModalError();
 }
 
 std::string Orientation(PlcRendalView& view, const std::string& which) {
@@ -240,6 +247,9 @@ std::string RunDialogLine(std::string_view line) {
         return "an empty dialog line; the forms are:\n" + DialogLineHelp();
     }
     const std::string& verb = head[0];
+    if (verb == "sheet") {
+        return RunSheetLine(head.size() > 1 ? head[1] : std::string());
+    }
     PlcRendalView* view = PlcRendalView::Current();
     if (view == nullptr) {
         return "no drawing dialog is open: run PLCRENDAL first";
@@ -293,7 +303,8 @@ std::string DialogLineHelp() {
            "dialog orientation horizontal|vertical        click 水平 or 垂直\n"
            "dialog match begin|contains                   click 前端位置匹配 or 全字位置匹配\n"
            "dialog search TEXT                            type TEXT into 模块代码 and click 搜索\n"
-           "dialog press search|refresh|settings|draw|divided|close   click that button\n";
+           "dialog press search|refresh|settings|draw|divided|close   click that button\n" +
+           SheetLineHelp();
 }
 
 }  // namespace ui

@@ -19,6 +19,7 @@
 #include "dialog/LibraryTree.h"
 #include "draw/DlgPlcRendal.h"
 #include "ui/Pictures.h"
+#include "ui/SettingsViews.h"
 #include "ui/Text.h"
 
 namespace ui {
@@ -227,6 +228,9 @@ void PlcRendalView::Follow() {
                                    [follow](dialog::ListChange, int) { follow(); });
     fieldConnections_.emplace_back(dlg.termList.changed,
                                    [follow](dialog::ListChange, int) { follow(); });
+    dlg.settingsSheetRunner = [this](CPLCSettingSheetDlg& sheet) {
+        return RunSettingsSheet(sheet, this);
+    };
     windowConnection_ = Connection(dlg.windowChanged, [this](dialog::WindowEvent event) {
         OnWindowEvent(static_cast<int>(event));
     });
