@@ -6,6 +6,7 @@
 #include <QMenu>
 #include <QPushButton>
 #include <QRadioButton>
+#include <QTest>
 #include <QTreeWidget>
 
 #include <memory>
@@ -230,6 +231,38 @@ TEST_F(PlcRendalViewTest, PicturesOfDrawingsHaveInkAndUnreadableFilesNone) {
     QImage blank(8, 8, QImage::Format_RGB32);
     blank.fill(Qt::white);
     EXPECT_FALSE(ui::HasInk(blank));
+}
+
+}  // namespace
+}  // namespace ui_test
+
+namespace ui_test {
+namespace {
+
+TEST_F(PlcRendalViewTest, ADialogDeletedWithItsWindowStandingTakesItsViewAlong) {
+    auto* dlg = new CDlgPlcRendal();
+    ASSERT_TRUE(dlg->Create());
+    QPointer<ui::PlcRendalView> own = new ui::PlcRendalView(*dlg);
+    dlg->Refresh();
+    EXPECT_EQ(own->Tree()->topLevelItemCount(), 1);
+    delete dlg;
+    ASSERT_FALSE(own.isNull());
+    EXPECT_EQ(own->Dialog(), nullptr);
+    EXPECT_EQ(ui::PlcRendalView::Current(), nullptr);
+    Settle();
+    EXPECT_TRUE(own.isNull());
+}
+
+TEST_F(PlcRendalViewTest, EnterNeitherClosesTheDialogNorPressesAButton) {
+    ASSERT_NE(OpenView(), nullptr);
+    ClickDi16a();
+    view->Edit("tag")->setText("K1");
+    QTest::keyClick(view->Edit("tag"), Qt::Key_Return);
+    QTest::keyClick(view->Edit("tag"), Qt::Key_Escape);
+    Settle();
+    EXPECT_TRUE(env.host.sentCommands.empty());
+    ASSERT_NE(g_pDlgPlcRendal, nullptr);
+    EXPECT_TRUE(view->isVisible());
 }
 
 }  // namespace
