@@ -14,6 +14,9 @@
 CDlgPlcRendal* g_pDlgPlcRendal = nullptr;
 
 namespace app {
+
+std::function<void(CDlgPlcRendal&)> g_rendalWindowCreated;
+
 namespace {
 
 // Shows the wait cursor for the lifetime of a run.
@@ -50,8 +53,12 @@ bool EnsureDialog() {
     if (!g_pDlgPlcRendal->Create()) {
         delete g_pDlgPlcRendal;
         g_pDlgPlcRendal = nullptr;
+        return false;
     }
-    return g_pDlgPlcRendal != nullptr;
+    if (g_rendalWindowCreated) {
+        g_rendalWindowCreated(*g_pDlgPlcRendal);
+    }
+    return true;
 }
 
 void ShowDialog(CDlgPlcRendal& dlg) {

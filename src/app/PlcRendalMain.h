@@ -1,6 +1,7 @@
 // The runs of the three drawing commands.
 #pragma once
 
+#include <functional>
 #include <string>
 
 class CDlgPlcRendal;
@@ -10,6 +11,10 @@ class CDlgPlcRendal;
 extern CDlgPlcRendal* g_pDlgPlcRendal;
 
 namespace app {
+
+// Called with each drawing dialog whose window was just created, before its tree is built and
+// it is shown: a desktop view attaches itself to the dialog here. Empty: no view.
+extern std::function<void(CDlgPlcRendal&)> g_rendalWindowCreated;
 
 class CPlcRendalMain {
 public:

@@ -28,8 +28,6 @@ bool CDlgPlcRendal::Create() {
         windowCreated = false;
         return false;
     }
-    windowCreated = true;
-    visible = false;
     moduleList.SetColumns(kModuleColumns, listClientWidth, kModuleShares);
     termList.SetColumns(kTermColumns, listClientWidth, kTermShares);
     FillLocation();
@@ -37,6 +35,7 @@ bool CDlgPlcRendal::Create() {
     const std::string common = suite::GetZandrixCommonResInstallPath();
     horPreviewPath = suite::PathJoin(common, "Data/PlcHor.dxf");
     verPreviewPath = suite::PathJoin(common, "Data/PlcVer.dxf");
+    CreateWindow();
     return true;
 }
 

@@ -17,11 +17,10 @@ bool CDlgPlcDataLibEdit::Create() {
     if (!plcLib.Open(libPath)) {
         return false;
     }
-    windowCreated = true;
-    visible = false;
     SetupColumns();
     sortColumn = -1;
     sortAscending = true;
+    CreateWindow();
     return true;
 }
 

@@ -176,3 +176,29 @@ TEST_F(RendalRunsTest, ANetworkClientWithoutALocalCopyMarksItsCopyOutOfDate) {
     ASSERT_EQ(env.host.messages.size(), 1u);
     EXPECT_EQ(env.host.messages[0].caption, "Zandrix 消息");
 }
+
+TEST_F(RendalRunsTest, TheWindowHookSeesEachNewDialogOnceBeforeItsTreeIsBuilt) {
+    std::vector<CDlgPlcRendal*> seen;
+    std::vector<int> nodesWhenSeen;
+    app::g_rendalWindowCreated = [&](CDlgPlcRendal& dlg) {
+        seen.push_back(&dlg);
+        nodesWhenSeen.push_back(dlg.tree.Count());
+        EXPECT_TRUE(dlg.windowCreated);
+        EXPECT_FALSE(dlg.visible);
+    };
+    run.RunRendal();
+    run.RunRendal();  // the same dialog: not announced again
+    ASSERT_EQ(seen.size(), 1u);
+    EXPECT_EQ(seen[0], g_pDlgPlcRendal);
+    EXPECT_EQ(nodesWhenSeen[0], 0);
+    g_pDlgPlcRendal->OnClose();
+    run.RunRendal();
+    EXPECT_EQ(seen.size(), 2u);
+
+    // A library that does not open makes no window and announces nothing.
+    app::DestroyPluginDialogs();
+    testing_support::WriteFile(env.LibraryPath(), "this is not a library");
+    run.RunRendal();
+    EXPECT_EQ(seen.size(), 2u);
+    app::g_rendalWindowCreated = nullptr;
+}

@@ -21,10 +21,8 @@ using desktop_test::WindowFixture;
 
 namespace {
 
-// Unmarks the terminal of row `row` and says which sequence numbers stay marked, as
-// qvplc draw's --terminals takes them.
-std::string UnmarkRow(CDlgPlcRendal& dlg, int row) {
-    dlg.termList.SetStateImage(row, kMarkOff);
+// The sequence numbers of the marked terminals, as qvplc draw's --terminals takes them.
+std::string MarkedTerminals(const CDlgPlcRendal& dlg) {
     std::string list;
     for (int i = 0; i < dlg.termList.Count(); ++i) {
         if (IsMarked(dlg.termList.StateImage(i))) {
@@ -45,8 +43,11 @@ class DesktopWindow : public WindowFixture {};
 TEST_F(DesktopWindow, AModuleDraggedIntoPlaceIsWhatQvplcDrawMakesOfTheSameChoices) {
     OpenDialogOnSampleModule();
     CDlgPlcRendal* dlg = g_pDlgPlcRendal;
-    const std::string marked = UnmarkRow(*dlg, 2);
-    dlg->OnDrawFull();
+    const std::string before = MarkedTerminals(*dlg);
+    Dialog("dialog mark 3 off");
+    const std::string marked = MarkedTerminals(*dlg);
+    EXPECT_NE(marked, before);
+    Dialog("dialog press draw");
     EXPECT_TRUE(dlg->minimized);
     Then(ClickAt({420, 260}));
     ASSERT_TRUE(RunUntilIdle());
@@ -85,9 +86,10 @@ TEST_F(DesktopWindow, AModuleDraggedIntoPlaceIsWhatQvplcDrawMakesOfTheSameChoice
 TEST_F(DesktopWindow, ADividedDrawingWithClickedAndTypedPointsIsWhatQvplcDrawMakes) {
     OpenDialogOnSampleModule();
     CDlgPlcRendal* dlg = g_pDlgPlcRendal;
-    const std::string marked = UnmarkRow(*dlg, 0);
+    Dialog("dialog mark 1 off");
+    const std::string marked = MarkedTerminals(*dlg);
     const double p = dlg->termSpacing;
-    dlg->OnDrawDivided();
+    Dialog("dialog press divided");
     // Each piece: its start by a click, its end typed; the first piece holds 5 places.
     Then(ClickAt({200, 200}));
     Then([this, p] { return TypePoint(clicked.at(0) + cad::Vector3d{6.5 * p, 0, 0})(); });
@@ -112,7 +114,7 @@ TEST_F(DesktopWindow, ADividedDrawingWithClickedAndTypedPointsIsWhatQvplcDrawMak
 TEST_F(DesktopWindow, EscDuringTheDragLeavesTheDrawingAsItWas) {
     OpenDialogOnSampleModule();
     const auto before = desktop_test::EntityTags(window->CurrentDocument().Database());
-    g_pDlgPlcRendal->OnDrawFull();
+    Dialog("dialog press draw");
     Then(PressEscape());
     ASSERT_TRUE(RunUntilIdle());
     EXPECT_EQ(desktop_test::EntityTags(window->CurrentDocument().Database()), before);
@@ -123,7 +125,7 @@ TEST_F(DesktopWindow, EscDuringTheDragLeavesTheDrawingAsItWas) {
 
 TEST_F(DesktopWindow, APlugInMessageBoxShowsItsCaptionIconAndButtons) {
     OpenDialogOnSampleModule();
-    g_pDlgPlcRendal->editTag = "";
+    Dialog("dialog set tag -");
     QString caption, text;
     QMessageBox::Icon icon = QMessageBox::NoIcon;
     QMessageBox::StandardButtons buttons;
@@ -141,7 +143,7 @@ TEST_F(DesktopWindow, APlugInMessageBoxShowsItsCaptionIconAndButtons) {
         box->button(QMessageBox::Ok)->click();
     });
     watcher.start(10);
-    g_pDlgPlcRendal->OnDrawFull();
+    Dialog("dialog press draw");
     EXPECT_EQ(caption, "Zandrix");
     EXPECT_EQ(text, "请输入标号");
     EXPECT_EQ(icon, QMessageBox::Warning);
@@ -176,7 +178,7 @@ TEST_F(DesktopWindow, ACommandStringCancelsTheCommandWaitingAndRunsAfterIt) {
 
 TEST_F(DesktopWindow, ABadDrawingIsReportedAndTheOpenOneKept) {
     OpenDialogOnSampleModule();
-    g_pDlgPlcRendal->OnDrawFull();
+    Dialog("dialog press draw");
     Then(TypePoint({10, 10, 0}));
     ASSERT_TRUE(RunUntilIdle());
     const auto drawn = desktop_test::EntityTags(window->CurrentDocument().Database());
@@ -203,7 +205,7 @@ TEST_F(DesktopWindow, ABadDrawingIsReportedAndTheOpenOneKept) {
 
 TEST_F(DesktopWindow, UnsavedWorkIsKeptWhenTheQuestionIsCancelled) {
     OpenDialogOnSampleModule();
-    g_pDlgPlcRendal->OnDrawFull();
+    Dialog("dialog press draw");
     Then(TypePoint({0, 0, 0}));
     ASSERT_TRUE(RunUntilIdle());
     window->Host().messageHook = [](const host::MessageBoxRequest&) {

@@ -99,14 +99,19 @@ bool WindowFixture::RunUntilIdle(int milliseconds) {
     return false;
 }
 
+void WindowFixture::Dialog(const std::string& line) {
+    EXPECT_EQ(window->LoadedPlugin().RunDialogLine(line), "") << line;
+}
+
 void WindowFixture::OpenDialogOnSampleModule() {
     ASSERT_EQ(window->TypeLine("PLCRENDAL"), "");
-    CDlgPlcRendal* dlg = g_pDlgPlcRendal;
-    ASSERT_NE(dlg, nullptr);
-    ASSERT_TRUE(dlg->SelectModulePath("Norvik Controls", "NX 10", "Digital input", "NX1-DI16"));
-    dlg->editTag = "A1";
-    dlg->editFrameNo = "0";
-    dlg->editSlotNo = "2";
+    ASSERT_NE(g_pDlgPlcRendal, nullptr);
+    // Through the dialog's view, as the mouse and keyboard would.
+    Dialog(std::string("dialog select ") + kSampleModule);
+    Dialog("dialog set tag A1");
+    Dialog("dialog set frame 0");
+    Dialog("dialog set slot 2");
+    ASSERT_GT(g_pDlgPlcRendal->termList.Count(), 0);
 }
 
 int WindowFixture::QvplcDraw(const std::string& options, const std::string& drawing,

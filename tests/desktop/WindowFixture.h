@@ -32,8 +32,10 @@ protected:
     // false after the time limit.
     bool RunUntilIdle(int milliseconds = 20000);
 
-    // Opens the drawing dialog on the sample module with its terminals marked as the
-    // options of `qvplc draw` would mark them.
+    // One "dialog ..." script line on the plug-in's dialog view; the test fails unless taken.
+    void Dialog(const std::string& line);
+    // PLCRENDAL, then the sample module picked in the dialog's tree and its tag, frame and
+    // slot typed in, as the options of `qvplc draw` in QvplcDraw give them.
     void OpenDialogOnSampleModule();
     // Runs qvplc draw with `options` into `drawing`; its exit code.
     int QvplcDraw(const std::string& options, const std::string& drawing, std::string* output);
