@@ -1,8 +1,10 @@
 #include "DesktopApp.h"
 
 #include <QApplication>
+#include <QPainter>
 #include <QPixmap>
 #include <QTimer>
+#include <algorithm>
 #include <cstdio>
 #include <memory>
 
@@ -19,13 +21,34 @@ void Complain(const std::string& text) {
     std::fprintf(stderr, "qvplc-desktop: %s\n", text.c_str());
 }
 
-// Saves the main window as it stands; "" or what went wrong.
+// Where a window of the program shows on the main window's picture: where it stands over
+// the main window, or at the top right when the platform keeps no positions (offscreen).
+QPoint PlaceOver(const QWidget& window, const QWidget& main, const QSize& picture) {
+    QPoint at = window.frameGeometry().topLeft() - main.frameGeometry().topLeft();
+    const QRect inside(QPoint(0, 0), picture - window.size());
+    if (at == QPoint(0, 0) || !inside.contains(at)) {
+        at = QPoint(std::max(0, picture.width() - window.width() - 12), 28);
+    }
+    return at;
+}
+
+// Saves the main window as it stands, with the plug-in's open dialogs over it; "" or what
+// went wrong.
 std::string TakeScreenshot(MainWindow& window, const std::string& path) {
     QApplication::processEvents();
-    const QPixmap picture = window.grab();
+    QPixmap picture = window.grab();
     if (picture.isNull()) {
         return "cannot take a screenshot of the window";
     }
+    QPainter painter(&picture);
+    for (QWidget* other : QApplication::topLevelWidgets()) {
+        if (other == &window || !other->isVisible() || other->isMinimized() ||
+            other->windowType() == Qt::Popup || other->windowType() == Qt::ToolTip) {
+            continue;
+        }
+        painter.drawPixmap(PlaceOver(*other, window, picture.size()), other->grab());
+    }
+    painter.end();
     if (!picture.save(QString::fromStdString(path), "PNG")) {
         return "cannot write the screenshot " + path;
     }
