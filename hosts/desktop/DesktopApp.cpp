@@ -69,6 +69,8 @@ std::string HelpWithDialogLines(const std::string& programDir) {
 
 int RunDesktop(const Options& options, const std::string& programDir) {
     MainWindow window;
+    // The plug-in's dialogs are windows of their own: closing the main window ends the program.
+    QObject::connect(&window, &MainWindow::closed, qApp, &QApplication::quit, Qt::QueuedConnection);
     window.show();
     const bool scripted = !options.commands.empty() || !options.screenshot.empty();
     window.Host().scripted = scripted;

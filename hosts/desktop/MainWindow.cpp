@@ -1,9 +1,12 @@
 #include "MainWindow.h"
 
 #include <QAction>
+#include <QApplication>
 #include <QCloseEvent>
 #include <QFileDialog>
+#include <QKeyEvent>
 #include <QLabel>
+#include <QLineEdit>
 #include <QMenuBar>
 #include <QSplitter>
 #include <QStatusBar>
@@ -29,6 +32,7 @@ QString Utf8(const std::string& text) {
 MainWindow::MainWindow(std::string settingsPath) : settings_(std::move(settingsPath)) {
     view_ = new DrawingView;
     view_->setObjectName("drawingView");
+    view_->installEventFilter(this);
     commandLine_ = new CommandLine;
     auto* splitter = new QSplitter(Qt::Vertical, this);
     splitter->addWidget(view_);
@@ -274,6 +278,22 @@ void MainWindow::closeEvent(QCloseEvent* event) {
         return;
     }
     event->accept();
+    Q_EMIT closed();
+}
+
+bool MainWindow::eventFilter(QObject* watched, QEvent* event) {
+    if (watched == view_ && event->type() == QEvent::KeyPress) {
+        auto* key = static_cast<QKeyEvent*>(event);
+        const bool typing = !key->text().isEmpty() && key->text().at(0).isPrint() &&
+                            key->key() != Qt::Key_Space &&
+                            !(key->modifiers() & (Qt::ControlModifier | Qt::AltModifier));
+        if (typing || key->key() == Qt::Key_Return || key->key() == Qt::Key_Enter) {
+            commandLine_->Edit()->setFocus();
+            QApplication::sendEvent(commandLine_->Edit(), event);
+            return true;
+        }
+    }
+    return QMainWindow::eventFilter(watched, event);
 }
 
 }  // namespace desktop

@@ -50,8 +50,14 @@ public:
     // Types a line as the user would; "" when it was taken, else what was wrong.
     std::string TypeLine(const std::string& line);
 
+Q_SIGNALS:
+    // The window was closed for good (the user agreed to drop or save unsaved work).
+    void closed();
+
 protected:
     void closeEvent(QCloseEvent* event) override;
+    // Typing while the drawing has the focus goes to the command line, as in a CAD window.
+    bool eventFilter(QObject* watched, QEvent* event) override;
 
 private:
     void BuildMenus();

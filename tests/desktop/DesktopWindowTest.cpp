@@ -2,6 +2,7 @@
 // drawing dialog asking for a drawing, the module placed with the mouse or typed points,
 // compared with what qvplc draw makes of the same choices.
 #include <QApplication>
+#include <QLineEdit>
 #include <QMessageBox>
 #include <QPushButton>
 #include <QTest>
@@ -228,4 +229,29 @@ TEST_F(DesktopWindow, UnloadLeavesNoPlugInCommandAndNoDialog) {
     EXPECT_EQ(window->Host().Registry().Find("PLCRENDAL"), nullptr);
     EXPECT_NE(window->TypeLine("PLCRENDAL"), "");
     EXPECT_NE(window->Host().Registry().Find("zoom"), nullptr);
+}
+
+TEST_F(DesktopWindow, TypingOverTheDrawingGoesToTheCommandLineAndUpRecallsEarlierLines) {
+    QLineEdit* edit = window->Commands().Edit();
+    window->View().setFocus();
+    QTest::keyClicks(&window->View(), "zoom");
+    QTest::keyClick(&window->View(), Qt::Key_Return);
+    ASSERT_EQ(window->Commands().History().size(), 1u);
+    EXPECT_EQ(window->Commands().History()[0], "zoom");
+    EXPECT_NE(window->Commands().PrintedText().indexOf("Command: zoom"), -1);
+    EXPECT_EQ(window->TypeLine("zoom x"), "");
+    EXPECT_NE(window->Commands().PrintedText().indexOf("ZOOM takes E"), -1);
+    EXPECT_NE(window->TypeLine("nosuch"), "");
+    EXPECT_NE(window->Commands().PrintedText().indexOf("Unknown command \"nosuch\"."), -1);
+    QTest::keyClick(edit, Qt::Key_Up);
+    EXPECT_EQ(edit->text(), "nosuch");
+    QTest::keyClick(edit, Qt::Key_Up);
+    QTest::keyClick(edit, Qt::Key_Up);
+    QTest::keyClick(edit, Qt::Key_Up);  // past the oldest: stays there
+    EXPECT_EQ(edit->text(), "zoom");
+    QTest::keyClick(edit, Qt::Key_Down);
+    EXPECT_EQ(edit->text(), "zoom x");
+    QTest::keyClick(edit, Qt::Key_Down);
+    QTest::keyClick(edit, Qt::Key_Down);
+    EXPECT_EQ(edit->text(), "");
 }
