@@ -97,7 +97,7 @@ std::string HelpText(std::string_view dialogLines) {
     text +=
         "\n"
         "Environment: QVPLC_PLUGIN names the plug-in library to load (by default the\n"
-        "qvplc_plugin.so beside the program or in ../lib/qvplc); QVPLC_DESKTOP_SETTINGS names\n"
+        "qvplc_plugin.so beside the program or in its lib/qvplc); QVPLC_DESKTOP_SETTINGS names\n"
         "the settings file (recent files, DefaultFormatForSave; by default\n"
         "$XDG_CONFIG_HOME/qvplc/desktop.conf).\n"
         "\n"

@@ -13,7 +13,7 @@ class IHost;
 namespace desktop {
 
 // Where the plug-in is looked for, first first: $QVPLC_PLUGIN, beside the program, the
-// installed ../lib/qvplc/, then the build tree the program was built in.
+// installed ../<libdir>/qvplc/, then the build tree the program was built in.
 std::vector<std::string> PluginCandidates(const std::string& programDir);
 
 class Plugin {

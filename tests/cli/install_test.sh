@@ -21,6 +21,11 @@ for f in bin/qvplc share/zandrix/SYMB2LIB/SYMB2_S_KTR5.dxf share/zandrix/Data/PL
     [ -s "$root/$f" ] || fail "$f is not installed"
 done
 
+# The desktop program and its plug-in library, in the library folder it looks in.
+[ -x "$root/bin/qvplc-desktop" ] || fail "bin/qvplc-desktop is not installed"
+ls "$root"/lib*/qvplc/qvplc_plugin.so "$root"/lib/*/qvplc/qvplc_plugin.so 2>/dev/null | grep -q . ||
+    fail "the plug-in qvplc_plugin.so is not installed"
+
 # The manual page: made from --help, so it lists the groups, every command and the exit
 # codes; groff reads it without a warning.
 man1="$root/share/man/man1/qvplc.1"

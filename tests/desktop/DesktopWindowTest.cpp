@@ -255,3 +255,19 @@ TEST_F(DesktopWindow, TypingOverTheDrawingGoesToTheCommandLineAndUpRecallsEarlie
     QTest::keyClick(edit, Qt::Key_Down);
     EXPECT_EQ(edit->text(), "");
 }
+
+TEST_F(DesktopWindow, TheSaveVersionFollowsTheHostSettingKeptInTheSettingsFile) {
+    // As the plug-in would set it through the host interface.
+    window->Host().SetEnvironment("DefaultFormatForSave", "24");
+    EXPECT_EQ(window->Host().GetEnvironment("DefaultFormatForSave"), "24");
+    EXPECT_NE(ReadFile(local / "desktop.conf").find("env.DefaultFormatForSave=24"),
+              std::string::npos);
+    const std::string path = (local / "r2004.dxf").string();
+    ASSERT_EQ(window->TypeLine("SAVEAS " + path), "");
+    EXPECT_NE(ReadFile(path).find("AC1018"), std::string::npos);
+    EXPECT_EQ(window->Host().GetVariable("dwgname"), "r2004.dxf");
+    EXPECT_EQ(window->Host().GetVariable("DWGTITLED"), "1");
+    window->Host().SetEnvironment("DefaultFormatForSave", "8");
+    ASSERT_TRUE(window->Save());
+    EXPECT_NE(ReadFile(path).find("AC1014"), std::string::npos);
+}
