@@ -216,11 +216,20 @@ host::InputStatus QtHost::WaitForInput(std::string_view prompt, cad::Point3d& pi
     if (parts_.commandLine != nullptr) {
         parts_.commandLine->SetPrompt(FromUtf8(prompt));
     }
+    // The run's wait cursor gives way while the user points, and comes back after.
+    int waitCursors = 0;
+    while (QApplication::overrideCursor() != nullptr) {
+        QApplication::restoreOverrideCursor();
+        ++waitCursors;
+    }
     QEventLoop loop;
     inputLoop_ = &loop;
     inputStatus_ = host::InputStatus::Cancel;
     loop.exec();
     inputLoop_ = nullptr;
+    for (int i = 0; i < waitCursors; ++i) {
+        QApplication::setOverrideCursor(Qt::WaitCursor);
+    }
     if (parts_.commandLine != nullptr) {
         parts_.commandLine->SetPrompt({});
     }

@@ -116,8 +116,19 @@ TEST_F(DesktopWindow, EscDuringTheDragLeavesTheDrawingAsItWas) {
     OpenDialogOnSampleModule();
     const auto before = desktop_test::EntityTags(window->CurrentDocument().Database());
     Dialog("dialog press draw");
+    // The run's wait cursor gives way while the module follows the mouse.
+    bool waitCursorWhilePointing = true;
+    Then([&] {
+        if (!window->Host().WaitingForInput()) {
+            return false;
+        }
+        waitCursorWhilePointing = QApplication::overrideCursor() != nullptr;
+        return true;
+    });
     Then(PressEscape());
     ASSERT_TRUE(RunUntilIdle());
+    EXPECT_FALSE(waitCursorWhilePointing);
+    EXPECT_EQ(QApplication::overrideCursor(), nullptr);
     EXPECT_EQ(desktop_test::EntityTags(window->CurrentDocument().Database()), before);
     EXPECT_NE(window->Commands().PrintedText().indexOf("选择插入点错误!"), -1);
     EXPECT_FALSE(g_pDlgPlcRendal->drawPending);
