@@ -282,3 +282,22 @@ TEST_F(DesktopWindow, TheSaveVersionFollowsTheHostSettingKeptInTheSettingsFile) 
     ASSERT_TRUE(window->Save());
     EXPECT_NE(ReadFile(path).find("AC1014"), std::string::npos);
 }
+
+TEST_F(DesktopWindow, ALockedDrawingIsNotReplacedUntilUnlocked) {
+    std::vector<host::MessageBoxRequest> asked;
+    window->Host().messageHook = [&](const host::MessageBoxRequest& request) {
+        asked.push_back(request);
+        return std::optional<host::MsgResult>(host::MsgResult::Ok);
+    };
+    cad::Database* before = window->Host().WorkingDatabase();
+    window->Host().LockDocument();
+    EXPECT_FALSE(window->NewDrawing());
+    EXPECT_EQ(window->Host().WorkingDatabase(), before);
+    ASSERT_EQ(asked.size(), 1u);
+    EXPECT_EQ(asked[0].text, "The drawing is in use by a command; finish or cancel it first.");
+    window->Host().UnlockDocument();
+    window->Host().UnlockDocument();  // one unlock too many changes nothing
+    EXPECT_EQ(window->Host().LockDepth(), 0);
+    EXPECT_TRUE(window->NewDrawing());
+    EXPECT_NE(window->Host().WorkingDatabase(), before);
+}
