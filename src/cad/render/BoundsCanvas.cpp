@@ -54,17 +54,14 @@ void BoundsCanvas::Dot(Point2 at, Rgb) {
 }
 
 void BoundsCanvas::Text(const TextLine& line, Rgb) {
-    const double advance = line.fitLength > 0
-                               ? line.fitLength
-                               : EstimateAdvance(line.text) * line.height * line.widthFactor;
-    for (const auto& p : TextLineBox(line, advance)) {
+    for (const auto& p : TextLineBox(line, LineAdvance(line))) {
         box_.Add(p);
     }
 }
 
 void BoundsCanvas::MText(const TextBlock& block, Rgb colour) {
     const auto measure = [&](const std::string& s) {
-        return EstimateAdvance(s) * block.height * block.widthFactor;
+        return TextAdvance(s, block.height, block.widthFactor);
     };
     for (const auto& line : LayoutTextBlock(block, measure)) {
         Text(line, colour);

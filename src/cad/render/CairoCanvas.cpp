@@ -143,14 +143,7 @@ void CairoCanvas::Dot(Point2 at, Rgb colour) {
 }
 
 double CairoCanvas::Advance(const std::string& text, double height, double widthFactor) {
-    const double fontPx = height * view_.scale / capRatio_;
-    if (fontPx <= 0 || text.empty()) {
-        return 0;
-    }
-    cairo_set_font_size(cr_, fontPx);
-    cairo_text_extents_t extents;
-    cairo_text_extents(cr_, SafeText(text).c_str(), &extents);
-    return extents.x_advance / view_.scale * widthFactor;
+    return TextAdvance(text, height, widthFactor);
 }
 
 void CairoCanvas::Text(const TextLine& line, Rgb colour) {
@@ -160,22 +153,23 @@ void CairoCanvas::Text(const TextLine& line, Rgb colour) {
     if (line.text.empty() || !(fontPx > 0.05) || !(fontPx < 1e5)) {
         return;
     }
-    const double natural = Advance(line.text, line.height, 1.0);
-    double stretch = line.widthFactor > 0 ? line.widthFactor : 1.0;
-    if (line.fitLength > 0 && natural > 0) {
-        stretch = line.fitLength / natural;
-    }
-    const Point2 offset = AlignOffset(line, natural * stretch);
+    const std::string shown = SafeText(line.text);
+    cairo_set_font_size(cr_, fontPx);
+    cairo_text_extents_t extents;
+    cairo_text_extents(cr_, shown.c_str(), &extents);
+    const double advance = LineAdvance(line);
+    // The glyphs fill the advance of the one width metric.
+    const double stretch = extents.x_advance > 0 ? advance * view_.scale / extents.x_advance : 1.0;
+    const Point2 offset = AlignOffset(line, advance);
     const Point2 anchor = ToPixel(line.anchor);
     cairo_save(cr_);
     cairo_translate(cr_, anchor.x, anchor.y);
     cairo_rotate(cr_, -line.rotation);
     cairo_translate(cr_, offset.x * view_.scale, -offset.y * view_.scale);
     cairo_scale(cr_, stretch, 1.0);
-    cairo_set_font_size(cr_, fontPx);
     cairo_move_to(cr_, 0, 0);
     SetColour(colour);
-    cairo_show_text(cr_, SafeText(line.text).c_str());
+    cairo_show_text(cr_, shown.c_str());
     cairo_new_path(cr_);
     cairo_restore(cr_);
 }

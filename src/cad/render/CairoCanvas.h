@@ -31,8 +31,8 @@ public:
     void MText(const TextBlock& block, Rgb colour) override;
     void Fill(const std::vector<std::vector<Point2>>& rings, Rgb colour) override;
 
-    // The advance of `text` in drawing units for a capital height and width factor, as this
-    // canvas will draw it.
+    // The advance of `text` in drawing units for a capital height and width factor: the one
+    // width metric of every canvas, which this one stretches its glyphs to.
     double Advance(const std::string& text, double height, double widthFactor);
 
 private:

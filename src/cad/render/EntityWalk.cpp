@@ -29,6 +29,10 @@ public:
 
     void Space(Handle space, const Context& ctx) {
         for (const Entity* entity : db_.Entities(space)) {
+            if (ctx.depth == 0 && Culled(entity->handle)) {
+                ++counts.culled;
+                continue;
+            }
             if (ctx.depth == 0) {
                 canvas_.BeginEntity(entity->handle);
             }
@@ -44,10 +48,21 @@ public:
     // Lines without end stop at this box; `measuring` draws only their base points.
     Box reach;
     bool measuring = false;
+    bool sawInfinite = false;  // a line without end was met
 
     WalkCounts counts;
 
 private:
+    bool Culled(Handle entity) const {
+        if (options_.cull == nullptr || options_.view.Empty()) {
+            return false;
+        }
+        const Box* box = options_.cull->Find(entity);
+        const Box& view = options_.view;
+        return box != nullptr && (box->max.x < view.min.x || box->min.x > view.max.x ||
+                                  box->max.y < view.min.y || box->min.y > view.max.y);
+    }
+
     Handle EffectiveLayer(Handle entityLayer, const Context& ctx) const {
         const LayerRecord* layer = db_.Layer(entityLayer);
         if (ctx.insideReference && layer && layer->name == "0" && ctx.blockLayer) {
@@ -261,6 +276,7 @@ bool Walker::DrawRaw(const UnknownEntity& e, Rgb colour, const Matrix3d& m, int 
 // Clipped to the reach box (Liang-Barsky), so that a line without end never widens it.
 void Walker::DrawInfinite(const RawInfiniteLine& line, Rgb colour, const Matrix3d& m) {
     const Point2 base = At(m, line.base);
+    sawInfinite = true;
     if (measuring || reach.Empty()) {
         canvas_.Dot(base, colour);
         return;
@@ -367,7 +383,9 @@ WalkCounts DrawSpace(const Database& db, Canvas& canvas, const WalkOptions& opti
     walker.reach = options.view;
     if (walker.reach.Empty()) {
         BoundsCanvas bounds;
-        Walker measure(db, bounds, options);
+        WalkOptions all = options;
+        all.cull = nullptr;
+        Walker measure(db, bounds, all);
         measure.measuring = true;
         measure.Space(drawn, Context{});
         walker.reach = bounds.Bounds();
@@ -390,6 +408,32 @@ WalkCounts DrawEntity(const Database& db, Canvas& canvas, const WalkOptions& opt
     walker.Draw(*e);
     canvas.EndEntity();
     return walker.counts;
+}
+
+void EntityBounds::Measure(const Database& db, const WalkOptions& options, Handle space) {
+    boxes_.clear();
+    const Handle drawn = space == kNullHandle ? db.ModelSpace() : space;
+    std::string refused;
+    if (!CheckExpansion(db, drawn, refused)) {
+        return;
+    }
+    WalkOptions all = options;
+    all.cull = nullptr;
+    all.view = Box{};
+    for (const Entity* entity : db.Entities(drawn)) {
+        BoundsCanvas bounds;
+        Walker measure(db, bounds, all);
+        measure.measuring = true;
+        measure.Draw(*entity);
+        if (!measure.sawInfinite && !bounds.Bounds().Empty()) {
+            boxes_.emplace(entity->handle, bounds.Bounds());
+        }
+    }
+}
+
+const Box* EntityBounds::Find(Handle entity) const {
+    const auto it = boxes_.find(entity);
+    return it == boxes_.end() ? nullptr : &it->second;
 }
 
 }  // namespace cad::render

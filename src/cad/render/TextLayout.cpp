@@ -56,6 +56,15 @@ double EstimateAdvance(std::string_view utf8) {
     return advance;
 }
 
+double TextAdvance(std::string_view utf8, double height, double widthFactor) {
+    return EstimateAdvance(utf8) * height * (widthFactor > 0 ? widthFactor : 1.0);
+}
+
+double LineAdvance(const TextLine& line) {
+    return line.fitLength > 0 ? line.fitLength
+                              : TextAdvance(line.text, line.height, line.widthFactor);
+}
+
 std::vector<std::string> WrapParagraph(const std::string& paragraph, double width,
                                        const MeasureLine& measure) {
     if (width <= 0 || measure(paragraph) <= width) {

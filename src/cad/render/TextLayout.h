@@ -17,6 +17,14 @@ namespace cad::render {
 // other wide characters) 1.4, about what the CJK sans fonts give.
 double EstimateAdvance(std::string_view utf8);
 
+// The one width metric every canvas lays text out by (alignment, wrapping, extents): the
+// estimate above for the line's capital height and width factor. A canvas with a real font
+// stretches its glyphs to this advance, so that a text covers the same ground in a picture,
+// on screen and in the drawing's extents.
+double TextAdvance(std::string_view utf8, double height, double widthFactor);
+// The line's drawn length: its fit length when it has one, else its advance.
+double LineAdvance(const TextLine& line);
+
 // Measures a line's advance in drawing units, for the block's height and width factor.
 using MeasureLine = std::function<double(const std::string&)>;
 
