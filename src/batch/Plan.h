@@ -64,6 +64,7 @@ struct Plan {
     std::size_t ModuleCount() const;
 };
 
+// The plan points to the modules `lookup` gives: they must outlive it.
 Plan MakePlan(const IoList& list, const Project& project, const ModuleLookup& lookup);
 
 // A short hexadecimal digest of the fields (FNV-1a, 64 bits): enough to see that rows
