@@ -73,7 +73,7 @@ std::string ListError::Text() const {
     return text + ": " + message;
 }
 
-IoList ListFromCells(const std::string& file, const std::vector<std::vector<std::string>>& cells,
+IoList ListFromCells(const std::string& file, std::vector<std::vector<std::string>> cells,
                      const std::vector<int>& rowNumbers) {
     IoList list;
     list.file = file;
@@ -104,13 +104,16 @@ IoList ListFromCells(const std::string& file, const std::vector<std::vector<std:
                                    "the heading row has no such column (required)"});
         }
     }
+    list.rows.reserve(cells.size() - 1);
     for (std::size_t r = 1; r < cells.size(); ++r) {
         IoRow row;
         row.row = r < rowNumbers.size() ? rowNumbers[r] : static_cast<int>(r + 1);
         bool any = false;
         for (std::size_t c = 0; c < cells[r].size() && c < columnOf.size(); ++c) {
             if (columnOf[c]) {
-                row[*columnOf[c]] = Trim(cells[r][c]);
+                std::string& cell = cells[r][c];
+                row[*columnOf[c]] =
+                    cell.find_first_of(" \t") == std::string::npos ? std::move(cell) : Trim(cell);
                 any = any || !row[*columnOf[c]].empty();
             }
         }
@@ -139,6 +142,8 @@ IoList ReadIoList(const std::string& path, const std::string& sheetName) {
     }
     const std::string text = files::ToUtf8(bytes);
     CsvResult csv = ParseCsv(text, GuessSeparator(text));
+    cells.reserve(csv.records.size());
+    rowNumbers.reserve(csv.records.size());
     if (!csv.error.empty()) {
         IoList list;
         list.file = path;
@@ -149,7 +154,7 @@ IoList ReadIoList(const std::string& path, const std::string& sheetName) {
         rowNumbers.push_back(record.line);
         cells.push_back(std::move(record.fields));
     }
-    return ListFromCells(path, cells, rowNumbers);
+    return ListFromCells(path, std::move(cells), rowNumbers);
 }
 
 }  // namespace batch

@@ -60,7 +60,7 @@ struct IoList {
 // Builds the list from rows of cells, the first being the heading row. `rowNumbers` gives
 // each row's number in the file. Missing required columns, unknown and repeated headings
 // are errors.
-IoList ListFromCells(const std::string& file, const std::vector<std::vector<std::string>>& cells,
+IoList ListFromCells(const std::string& file, std::vector<std::vector<std::string>> cells,
                      const std::vector<int>& rowNumbers);
 
 // Reads a CSV (UTF-8, or GB18030 as the Windows suite writes it; comma or semicolon) or an
