@@ -21,6 +21,7 @@
 #include "batch/DrawingSet.h"
 #include "cad/Dxf.h"
 #include "files/AtomicFile.h"
+#include "files/FileIdentity.h"
 
 namespace cli {
 
@@ -40,6 +41,7 @@ const CommandSpec kBatchSpec{
     "are counted from the project file's rules. Every drawn module records the library rows\n"
     "and list rows it was drawn from, so that 'qvplc check' finds what changed since.\n"
     "A list with faults draws nothing: every fault is reported with its row and column.\n"
+    "Drawings that exist already are only brought up to date, with --update.\n"
     "What was drawn where is printed and written to DIR/batch-report.csv.",
     {{"out", "DIR", "the folder of the drawings (made when missing); required"},
      {"project", "FILE",
@@ -161,6 +163,26 @@ void PrintEntries(const std::vector<batch::DrawnEntry>& entries) {
     }
 }
 
+// A drawing of the set may hold what was added by hand since: it is brought up to date with
+// --update, never replaced. True when no sheet of the plan exists yet.
+bool RefuseExistingSheets(const batch::Plan& plan, const std::string& out) {
+    std::size_t existing = 0;
+    for (const batch::PlannedSheet& sheet : plan.sheets) {
+        const std::string path = (std::filesystem::path(out) / sheet.fileName).string();
+        if (files::Identify(path).exists) {
+            Complainf("%s exists already", path.c_str());
+            ++existing;
+        }
+    }
+    if (existing > 0) {
+        Complainf(
+            "nothing was drawn: give --update to bring the %zu existing drawing(s) up to "
+            "date, or remove them to draw them afresh",
+            existing);
+    }
+    return existing == 0;
+}
+
 int RunBatchList(const ParsedArgs& args, CliHost& host) {
     batch::Project project;
     if (!LoadProject(args, project)) {
@@ -183,6 +205,9 @@ int RunBatchList(const ParsedArgs& args, CliHost& host) {
         return kExitBadInput;
     }
     const std::string out = args.Value("out").value_or("");
+    if (!args.Has("update") && !RefuseExistingSheets(plan, out)) {
+        return kExitFailure;
+    }
     std::filesystem::create_directories(out);
     batch::SetOptions options;
     options.outDir = out;

@@ -85,6 +85,10 @@ TEST_F(BatchProgramTest, CheckFollowsAChangedListUntilAnUpdateRedrawsIt) {
         << outOfStep.out;
     EXPECT_NE(outOfStep.err.find("1 of 2 module(s) out of step"), std::string::npos);
 
+    const Outcome again = Qvplc("batch " + List(changed) + " --out " + Out());
+    EXPECT_EQ(again.code, 1);
+    EXPECT_NE(again.err.find("give --update"), std::string::npos) << again.err;
+
     const Outcome update = Qvplc("batch " + List(changed) + " --out " + Out() + " --update");
     EXPECT_EQ(update.code, 0) << update.err;
     EXPECT_NE(update.out.find("A1 " + kDi + " rack 0 slot 1 at 20,0, 1 channels: kept"),

@@ -352,6 +352,39 @@ TEST(BatchDrawingSet, AnUpdateAddsModulesNewToTheListBelowTheOthers) {
     EXPECT_EQ(batch::FindDrawnModules(*ReadSheet(env.Out() / "sheet-01.dxf")).size(), 2u);
 }
 
+TEST(BatchDrawingSet, EverySheetStartsAsACopyOfTheFrameDrawing) {
+    BatchEnvironment env;
+    {
+        cad::Database frame;
+        auto* line = frame.AppendNew<cad::Line>();
+        line->layer = frame.AddLayer("FRAME", 3);
+        line->end = {420, -297, 0};
+        cad::WriteDxfFile(frame, (env.Dir() / "frame.dxf").string(), cad::DxfVersion::R2010);
+    }
+    batch::Project project;
+    project.modulesPerSheet = 1;
+    project.frame = (env.Dir() / "frame.dxf").string();
+    const std::string di = std::string(kN10) + "Digital input/NX1-DI16";
+    DrawList(env,
+             "tag,rack,slot,module,channel,signal
+             A1,
+             0, 1, " + di + ", 1, x A2, 0, 2, " + di + ", 1,
+             y ",
+             false,
+             project);
+    for (const char* sheet : {"sheet-01.dxf", "sheet-02.dxf"}) {
+        const auto db = ReadSheet(env.Out() / sheet);
+        int frameLines = 0;
+        for (const cad::Entity* e : db->Entities()) {
+            const auto* line = cad::Database::Cast<cad::Line>(e);
+            frameLines +=
+                line != nullptr && db->Layer(e->layer)->name == "FRAME" && line->end.x == 420;
+        }
+        EXPECT_EQ(frameLines, 1) << sheet;
+        EXPECT_EQ(batch::FindDrawnModules(*db).size(), 1u) << sheet;
+    }
+}
+
 TEST(BatchDrawingSet, TheReportSaysWhatWasDrawnWhere) {
     batch::DrawnEntry entry{
         "P,1", "P_1.dxf", "A1", "M/S/T/C", "0", "2", {20, -100, 0}, 3, batch::Action::Redrawn};
