@@ -302,6 +302,11 @@ int RunBatch(const Arguments& args, CliHost& host) {
         UsageError("batch", "--save-format takes 8, 12, 24, 36 or 48, not '" + format + "'");
         return kExitUsage;
     }
+    if (const std::string out = *parsed->Value("out");
+        std::filesystem::exists(out) && !std::filesystem::is_directory(out)) {
+        Complainf("--out %s: that is a file, not a folder", out.c_str());
+        return kExitCannotWrite;
+    }
     RunDrawingNetworkStep();
     try {
         return RunBatchList(*parsed, host);

@@ -65,10 +65,10 @@ std::optional<Column> ColumnForHeading(std::string_view heading) {
 std::string ListError::Text() const {
     std::string text = file;
     if (row > 0) {
-        text += ": row " + std::to_string(row);
+        text += (projectLine ? ": line " : ": row ") + std::to_string(row);
     }
     if (!column.empty()) {
-        text += ", column " + column;
+        text += (row > 0 ? ", " : ": ") + std::string(projectLine ? "key " : "column ") + column;
     }
     return text + ": " + message;
 }

@@ -43,8 +43,10 @@ struct ListError {
     int row = 0;         // 0: the file as a whole
     std::string column;  // empty when the whole row is meant
     std::string message;
+    bool projectLine = false;  // a line and key of a project file, not a row and column
 
-    // "FILE: row N, column C: message" (parts left out when not known).
+    // "FILE: row N, column C: message", or "FILE: line N, key K: message" for a project
+    // file (parts left out when not known).
     std::string Text() const;
 };
 

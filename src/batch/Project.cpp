@@ -46,7 +46,7 @@ struct LineReader {
         slotStarts;
 
     void Fault(const std::string& key, const std::string& message) {
-        errors.push_back({project.file, line, key, message});
+        errors.push_back({project.file, line, key, message, true});
     }
 
     bool Int(const std::string& key, const std::string& value, long long low, long long high,
@@ -207,7 +207,7 @@ Project ReadProject(const std::string& path, std::vector<ListError>& errors) {
     project.file = path;
     const auto lines = files::ReadLines(path);
     if (!lines) {
-        errors.push_back({path, 0, "", "the project file cannot be read"});
+        errors.push_back({path, 0, "", "the project file cannot be read", true});
         return project;
     }
     LineReader reader{project, errors, 0, {}, {}};
@@ -234,7 +234,8 @@ Project ReadProject(const std::string& path, std::vector<ListError>& errors) {
         if (ParseWhole(value, base, n) && n < (1LL << 40)) {
             project.start[static_cast<int>(kind)] = n;
         } else {
-            errors.push_back({path, line, key, "'" + value + "' is not a whole number" + baseText});
+            errors.push_back(
+                {path, line, key, "'" + value + "' is not a whole number" + baseText, true});
         }
     }
     for (const auto& [line, key, slot, value] : reader.slotStarts) {
@@ -242,7 +243,8 @@ Project ReadProject(const std::string& path, std::vector<ListError>& errors) {
         if (ParseWhole(value, base, n) && n < (1LL << 40)) {
             project.slotStart[slot] = n;
         } else {
-            errors.push_back({path, line, key, "'" + value + "' is not a whole number" + baseText});
+            errors.push_back(
+                {path, line, key, "'" + value + "' is not a whole number" + baseText, true});
         }
     }
     return project;

@@ -94,6 +94,9 @@ TEST(BatchProject, EachFaultNamesTheLineAndKey) {
     for (const auto& e : errors) {
         where.emplace_back(e.row, e.column);
     }
+    ASSERT_FALSE(errors.empty());
+    EXPECT_EQ(errors[0].Text(), (dir / "p.ini").string() +
+                                    ": line 2, key form: 'octal' is not one of bit, iec, counter");
     // start.DI is read in base 10 here (the form is not counter), so 9 is good.
     EXPECT_EQ(where, (std::vector<std::pair<int, std::string>>{
                          {2, "form"}, {5, "colour"}, {6, "slot.1"}, {7, "grid.columns"}, {8, ""}}));
