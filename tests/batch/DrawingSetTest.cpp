@@ -366,12 +366,8 @@ TEST(BatchDrawingSet, EverySheetStartsAsACopyOfTheFrameDrawing) {
     project.frame = (env.Dir() / "frame.dxf").string();
     const std::string di = std::string(kN10) + "Digital input/NX1-DI16";
     DrawList(env,
-             "tag,rack,slot,module,channel,signal
-             A1,
-             0, 1, " + di + ", 1, x A2, 0, 2, " + di + ", 1,
-             y ",
-             false,
-             project);
+             "tag,rack,slot,module,channel,signal\nA1,0,1," + di + ",1,x\nA2,0,2," + di + ",1,y\n",
+             false, project);
     for (const char* sheet : {"sheet-01.dxf", "sheet-02.dxf"}) {
         const auto db = ReadSheet(env.Out() / sheet);
         int frameLines = 0;
