@@ -106,3 +106,38 @@ TEST(BatchPlanErrors, SheetsComeFromTheListOrFromModulesPerSheet) {
 }
 
 }  // namespace
+
+namespace {
+
+std::string ListDigestOf(const std::string& rows, const batch::Project& project = {}) {
+    batch_test::FakeLibrary lib;
+    const auto plan =
+        batch_test::PlanOf("tag,rack,slot,module,channel,signal,sheet\n" + rows, project, lib);
+    return plan.sheets.at(0).modules.at(0).listDigest;
+}
+
+TEST(BatchPlanDigests, WhatIsDrawnChangesTheListDigestAndTheRowOrderDoesNot) {
+    const std::string a = "A1,0,1,M/S/T/DI8,1,Pump,P1\n", b = "A1,0,1,M/S/T/DI8,2,Fan,P1\n";
+    const std::string base = ListDigestOf(a + b);
+    EXPECT_EQ(ListDigestOf(b + a), base);
+    EXPECT_NE(ListDigestOf(a + "A1,0,1,M/S/T/DI8,2,Fan 2,P1\n"), base);
+    EXPECT_NE(ListDigestOf(a + "A1,0,1,M/S/T/DI8,3,Fan,P1\n"), base);
+    EXPECT_NE(ListDigestOf("A1,0,1,M/S/T/DI8,1,Pump,P2\nA1,0,1,M/S/T/DI8,2,Fan,P2\n"), base);
+    batch::Project later;
+    later.start[static_cast<int>(batch::Kind::DI)] = 4;  // the addresses move
+    EXPECT_NE(ListDigestOf(a + b, later), base);
+}
+
+TEST(BatchPlanDigests, AnyChangeOfTheModulesRowsInTheLibraryChangesItsDigest) {
+    batch_test::FakeLibrary lib;
+    const std::string base = batch::LibraryDigest(lib.Module("DI8"));
+    lib.Module("DI8").terminals[8].value = "COM";
+    const std::string changedValue = batch::LibraryDigest(lib.Module("DI8"));
+    EXPECT_NE(changedValue, base);
+    lib.Module("DI8").terminals[8].detail = "common";
+    EXPECT_NE(batch::LibraryDigest(lib.Module("DI8")), changedValue);
+    // Fields never run together: "ab" + "c" is not "a" + "bc".
+    EXPECT_NE(batch::Digest({"ab", "c"}), batch::Digest({"a", "bc"}));
+}
+
+}  // namespace
