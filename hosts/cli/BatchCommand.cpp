@@ -189,19 +189,24 @@ int RunBatchList(const ParsedArgs& args, CliHost& host) {
         return kExitBadInput;
     }
     const std::string listPath = args.positional[0];
-    const batch::IoList list = batch::ReadIoList(listPath, args.Value("sheet").value_or(""));
     batch::ModuleDrawer drawer;
     if (const int code = OpenLibrary(drawer); code != kExitOk) {
         return code;
     }
-    const batch::Plan plan = batch::MakePlan(list, project, drawer.Lookup());
+    // The list's rows are needed only until the plan is made.
+    bool listFaults = false;
+    const batch::Plan plan = [&] {
+        const batch::IoList list = batch::ReadIoList(listPath, args.Value("sheet").value_or(""));
+        listFaults = !list.errors.empty();
+        return batch::MakePlan(list, project, drawer.Lookup());
+    }();
     for (const batch::ListError& error : plan.errors) {
         Complain(error.Text());
     }
     const bool keepGoing = args.Has("keep-going");
-    if (!plan.errors.empty() && (!keepGoing || !list.errors.empty())) {
+    if (!plan.errors.empty() && (!keepGoing || listFaults)) {
         Complainf("nothing was drawn: the list has %zu fault(s)%s", plan.errors.size(),
-                  list.errors.empty() ? "; fix them, or give --keep-going to draw the rest" : "");
+                  listFaults ? "" : "; fix them, or give --keep-going to draw the rest");
         return kExitBadInput;
     }
     const std::string out = args.Value("out").value_or("");

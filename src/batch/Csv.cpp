@@ -1,5 +1,7 @@
 #include "batch/Csv.h"
 
+#include <algorithm>
+
 namespace batch {
 
 char GuessSeparator(std::string_view text) {
@@ -32,49 +34,66 @@ CsvResult ParseCsv(std::string_view text, char separator) {
         text.remove_prefix(3);
     }
     CsvResult result;
+    result.records.reserve(static_cast<std::size_t>(std::count(text.begin(), text.end(), '\n')) +
+                           1);
+    const char stops[] = {separator, '\r', '\n', '\0'};
     CsvRecord record{1, {std::string()}};
+    bool wasQuoted = false;
     int line = 1;
-    bool quoted = false, wasQuoted = false;
-    int quoteLine = 0;
+    std::size_t i = 0;
     auto endRecord = [&] {
         if (!IsBlank(record) || wasQuoted) {
             result.records.push_back(std::move(record));
         }
+        const std::size_t width = result.records.empty() ? 1 : result.records.back().fields.size();
         record = CsvRecord{line, {std::string()}};
+        record.fields.reserve(width);
         wasQuoted = false;
     };
-    for (std::size_t i = 0; i < text.size(); ++i) {
-        const char c = text[i];
-        if (quoted) {
-            if (c == '"' && i + 1 < text.size() && text[i + 1] == '"') {
-                record.fields.back() += '"';
-                ++i;
-            } else if (c == '"') {
-                quoted = false;
-            } else {
-                if (c == '\n') {
-                    ++line;
+    while (i < text.size()) {
+        std::string& field = record.fields.back();
+        if (text[i] == '"' && field.empty()) {
+            // A quoted field: up to the quote that is not doubled; separators and line
+            // breaks inside are the field's own.
+            wasQuoted = true;
+            const int opened = line;
+            ++i;
+            for (;;) {
+                const auto quote = text.find('"', i);
+                if (quote == std::string_view::npos) {
+                    result.error = "line " + std::to_string(opened) +
+                                   ": a quoted field is not closed before the end of the file";
+                    return result;
                 }
-                record.fields.back() += c;
+                const std::string_view part = text.substr(i, quote - i);
+                line += static_cast<int>(std::count(part.begin(), part.end(), '\n'));
+                field.append(part);
+                i = quote + 1;
+                if (i < text.size() && text[i] == '"') {
+                    field += '"';
+                    ++i;
+                    continue;
+                }
+                break;
             }
-        } else if (c == '"' && record.fields.back().empty()) {
-            quoted = wasQuoted = true;
-            quoteLine = line;
-        } else if (c == separator) {
-            record.fields.emplace_back();
-        } else if (c == '\r' && i + 1 < text.size() && text[i + 1] == '\n') {
             continue;
-        } else if (c == '\n' || c == '\r') {
+        }
+        const auto stop = std::min(text.find_first_of(std::string_view(stops, 3), i), text.size());
+        field.append(text.substr(i, stop - i));
+        i = stop;
+        if (i >= text.size()) {
+            break;
+        }
+        const char c = text[i++];
+        if (c == separator) {
+            record.fields.emplace_back();
+        } else {
+            if (c == '\r' && i < text.size() && text[i] == '\n') {
+                ++i;
+            }
             ++line;
             endRecord();
-        } else {
-            record.fields.back() += c;
         }
-    }
-    if (quoted) {
-        result.error = "line " + std::to_string(quoteLine) +
-                       ": a quoted field is not closed before the end of the file";
-        return result;
     }
     endRecord();
     return result;

@@ -112,8 +112,9 @@ IoList ListFromCells(const std::string& file, std::vector<std::vector<std::strin
         for (std::size_t c = 0; c < cells[r].size() && c < columnOf.size(); ++c) {
             if (columnOf[c]) {
                 std::string& cell = cells[r][c];
-                row[*columnOf[c]] =
-                    cell.find_first_of(" \t") == std::string::npos ? std::move(cell) : Trim(cell);
+                const bool padded = !cell.empty() && (cell.front() == ' ' || cell.front() == '\t' ||
+                                                      cell.back() == ' ' || cell.back() == '\t');
+                row[*columnOf[c]] = padded ? Trim(cell) : std::move(cell);
                 any = any || !row[*columnOf[c]].empty();
             }
         }
@@ -140,7 +141,8 @@ IoList ReadIoList(const std::string& path, const std::string& sheetName) {
         list.errors.push_back({path, 0, "", error});
         return list;
     }
-    const std::string text = files::ToUtf8(bytes);
+    // Most lists are UTF-8 already: taken as read, without a copy.
+    const std::string text = files::IsValidUtf8(bytes) ? std::move(bytes) : files::ToUtf8(bytes);
     CsvResult csv = ParseCsv(text, GuessSeparator(text));
     cells.reserve(csv.records.size());
     rowNumbers.reserve(csv.records.size());

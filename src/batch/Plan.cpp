@@ -78,6 +78,7 @@ private:
     std::map<std::string, std::size_t> byTag_;
     std::map<std::pair<long long, long long>, std::size_t> bySlot_;
     std::map<std::pair<std::size_t, int>, int> channelRow_;  // (module, terminal) -> row
+    std::map<const LibraryModule*, std::optional<Kind>> kindOfType_;
 };
 
 bool Planner::KindOf(const IoRow& row, const LibraryModule& module, Kind& kind) {
@@ -88,8 +89,13 @@ bool Planner::KindOf(const IoRow& row, const LibraryModule& module, Kind& kind) 
         }
         return true;
     }
-    if (const auto known = project_.KindOfType(module.moduleType)) {
-        kind = *known;
+    // The same module type answers the same kind: asked once per module.
+    auto [known, added] = kindOfType_.try_emplace(&module);
+    if (added) {
+        known->second = project_.KindOfType(module.moduleType);
+    }
+    if (known->second) {
+        kind = *known->second;
         return true;
     }
     Fault(row, Column::Kind,
