@@ -15,7 +15,8 @@ packages=(build-essential cmake ninja-build pkg-config ccache
           libcairo2-dev fonts-wqy-microhei
           python3 python3-ezdxf python3-fonttools gettext help2man
           librecad poppler-utils
-          libcurl4-openssl-dev curl python3-pyftpdlib)
+          libcurl4-openssl-dev curl python3-pyftpdlib
+          libzip-dev libpugixml-dev libxlsxwriter-dev python3-openpyxl)
 
 install_packages() {
     local missing=()

@@ -4,6 +4,7 @@
 #include <utility>
 
 #include "batch/Csv.h"
+#include "batch/Xlsx.h"
 #include "files/TextFile.h"
 
 namespace batch {
@@ -130,10 +131,14 @@ IoList ReadIoList(const std::string& path, const std::string& sheetName) {
     std::vector<int> rowNumbers;
     std::string bytes, error;
     if (IsXlsx(path)) {
-        IoList list;
-        list.file = path;
-        list.errors.push_back({path, 0, "", "XLSX lists are not read yet; save it as CSV"});
-        return list;
+        auto sheet = ReadXlsxSheet(path, sheetName, error);
+        if (!sheet) {
+            IoList list;
+            list.file = path;
+            list.errors.push_back({path, 0, "", error});
+            return list;
+        }
+        return ListFromCells(path, std::move(sheet->rows), sheet->rowNumbers);
     }
     if (!files::ReadWhole(path, bytes, &error)) {
         IoList list;
