@@ -4,6 +4,7 @@
 #include <cstdio>
 #include <filesystem>
 
+#include "batch/Report.h"
 #include "cad/Dxf.h"
 #include "draw/DlgPlcRendal.h"
 #include "draw/SheetDrawing.h"
@@ -105,6 +106,7 @@ bool SetDrawer::DrawOne(cad::Database& db, const PlannedSheet& sheet, const Plan
         WriteSource(db, label,
                     {module.tag, module.module->Path(), stamp_, module.libraryDigest,
                      module.listDigest, options_.listFile, sheet.name, at});
+        WriteChannels(db, label, module);
     } else {
         result_.errors.push_back(sheet.fileName + ": module " + module.tag + " (" +
                                  module.module->Path() + ") could not be drawn");

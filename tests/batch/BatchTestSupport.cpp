@@ -151,7 +151,7 @@ std::vector<std::string> Canonical(const cad::Database& db, const std::vector<ca
                            std::to_string(e->color) + " " + Geometry(db, *e, origin);
         for (const auto& group : e->xdata) {
             const std::string app = db.AppName(group.app);
-            if (app == skipApp) {
+            if (!skipApp.empty() && app.rfind(skipApp, 0) == 0) {
                 continue;
             }
             line += " [" + app;

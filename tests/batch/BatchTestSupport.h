@@ -40,7 +40,7 @@ std::string AddressOfRow(const batch::Plan& plan, int row);
 
 // One line per entity of `handles` (in that order): type, layer name, colour, geometry
 // relative to `origin`, texts, and xdata with every handle item written as the index of the
-// entity it names within `handles`. Application `skipApp` is left out.
+// entity it names within `handles`. Applications whose names begin with `skipApp` are left out.
 std::vector<std::string> Canonical(const cad::Database& db, const std::vector<cad::Handle>& handles,
                                    const cad::Point3d& origin, const std::string& skipApp);
 

@@ -196,7 +196,7 @@ TEST(BatchDrawingSet, EveryModuleEqualsTheDialogsOwnDrawingOfTheSameChoices) {
             EXPECT_EQ(module.source.sheet, sheet.name);
             EXPECT_EQ(module.source.listFile, "io.csv");
             const auto lines = batch_test::Canonical(*db, batch::ModuleEntities(*db, module.label),
-                                                     module.source.origin, batch::kAppSource);
+                                                     module.source.origin, "QV_BATCH_");
             // Header, outline and three entities per terminal at the least.
             EXPECT_GT(lines.size(), 3 * planned->module->terminals.size());
             EXPECT_EQ(lines, DrawnAlone(env, *planned, module.source.origin)) << module.source.tag;
