@@ -16,7 +16,8 @@ packages=(build-essential cmake ninja-build pkg-config ccache
           python3 python3-ezdxf python3-fonttools gettext help2man
           librecad poppler-utils
           libcurl4-openssl-dev curl python3-pyftpdlib
-          qt6-base-dev xvfb xauth)
+          qt6-base-dev xvfb xauth
+          libzip-dev libpugixml-dev libxlsxwriter-dev python3-openpyxl)
 
 install_packages() {
     local missing=()

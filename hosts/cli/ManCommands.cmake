@@ -4,7 +4,7 @@
 set(commands "lib init" "lib tree" "lib show" "lib migrate" "lib new-manufacturer"
     "lib new-series" "lib new-type" "lib new-module" "lib rename" "lib delete" "lib set-short"
     "lib set-module" "lib find" "lib term append" "lib term insert" "lib term delete"
-    "lib term change" "lib term reorder" "lib edit" "draw" "settings show"
+    "lib term change" "lib term reorder" "lib edit" "draw" "batch" "check" "report" "settings show"
     "settings set" "dxf info" "dxf convert" "dxf render" "net login" "net status"
     "net checkout" "net checkin" "net publish")
 file(WRITE ${OUT} "[COMMANDS]\n")

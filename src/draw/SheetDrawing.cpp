@@ -43,6 +43,16 @@ bool DrawFullSheet(CDlgPlcRendal& dlg, const draw::ModuleChoice& choice, cad::Da
         dlg.drawActive = 0;
         return false;
     }
+    return DrawFullSheetAt(dlg, choice, db, at);
+}
+
+bool DrawFullSheetAt(CDlgPlcRendal& dlg, const draw::ModuleChoice& choice, cad::Database& db,
+                     const cad::Point3d& at) {
+    dlg.drawActive = 1;
+    if (dlg.componentType < 1 || dlg.componentType > 3) {
+        dlg.drawActive = 0;
+        return false;
+    }
     draw::DrawContext ctx(dlg, choice, db);
     ctx.origin = at;
     const bool drawn = draw::DrawWholeModule(ctx, false, true);

@@ -22,6 +22,10 @@ class CDlgPlcRendal;
 // at the symbol's first terminal-text point; any other format draws nothing. True when the
 // module was drawn.
 bool DrawFullSheet(CDlgPlcRendal& dlg, const draw::ModuleChoice& choice, cad::Database& db);
+// The drawing RENDALFULL does once the point is picked: the whole module with its origin at
+// `at`, without preview, drag or the dialog's reshow (a batch places modules itself).
+bool DrawFullSheetAt(CDlgPlcRendal& dlg, const draw::ModuleChoice& choice, cad::Database& db,
+                     const cad::Point3d& at);
 
 // DIVRENDAL: format 3 cell style (printing the closing bracket's corners in the vertical
 // orientation), any other format the frame-style terminals between brackets. True when the

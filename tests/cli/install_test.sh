@@ -33,7 +33,7 @@ if [ -s "$man1" ]; then
     grep -q '^\.TH QVPLC "1"' "$man1" || fail "the manual page has no .TH header"
     for word in 'lib init' 'Exit codes' 'ZANDRIX_LOCAL_DIR' 'ENVIRONMENT' '.SS "qvplc draw"' \
                 '.SS "qvplc dxf render"' '\-\-pieces' '(完整绘制)' '.SS "qvplc lib term reorder"' \
-                '.SS "qvplc lib edit"'; do
+                '.SS "qvplc lib edit"' '.SS "qvplc batch"' '.SS "qvplc check"' '\-\-keep\-going'; do
         grep -qF -- "$word" "$man1" || fail "the manual page does not mention '$word'"
     done
     if command -v groff >/dev/null; then
@@ -59,6 +59,9 @@ complete_words "$root/bin/qvplc" lib term insert M/S/T/C --bef | grep -qx -- --b
     fail "completion of 'lib term insert ... --bef' misses --before"
 complete_words "$root/bin/qvplc" draw --piec | grep -qx -- --pieces ||
     fail "completion of 'draw --piec' misses --pieces"
+[ "$(complete_words "$root/bin/qvplc" bat)" = batch ] || fail "completion of 'bat' is not 'batch'"
+complete_words "$root/bin/qvplc" batch io.csv --upd | grep -qx -- --update ||
+    fail "completion of 'batch io.csv --upd' misses --update"
 
 # The installed program on the sample, with nothing but the local folder given.
 local_dir="$scratch/local"
