@@ -22,5 +22,6 @@ const std::vector<CommandGroup>& Groups();
 
 // qvplc lib import (LibImportCommand.cpp); ARGS are those after "import".
 int RunLibImport(const Arguments& args, CliHost& host);
+int RunLibCheck(const Arguments& args, CliHost& host);  // LibCheckCommand.cpp
 
 }  // namespace cli

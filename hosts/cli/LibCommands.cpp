@@ -286,7 +286,9 @@ void PrintGroupUsage(FILE* out) {
                  "  tree      print manufacturer > series > type > module\n"
                  "  show      print one module and its terminal rows\n"
                  "  migrate   convert a Windows library (.mdb) into PLC/QvPLC.db\n"
-                 "  init      make a new library (empty, or --sample) in PLC/QvPLC.db\n\n"
+                 "  init      make a new library (empty, or --sample) in PLC/QvPLC.db\n"
+                 "  check     list the library's faults: sequences, repeated terminals, lengths,\n"
+                 "            tables and TABLE_NAMEs, short names\n\n"
                  "Editing, through the library editor:\n"
                  "  new-manufacturer  add a manufacturer\n"
                  "  new-series        add a series to a manufacturer\n"
@@ -312,6 +314,9 @@ int RunLib(const Arguments& args, CliHost& host) {
     }
     if (args[0] == "import")
         return RunLibImport(Arguments(args.begin() + 1, args.end()), host);
+    if (args[0] == "check") {
+        return RunLibCheck(Arguments(args.begin() + 1, args.end()), host);
+    }
     if (args[0] == "edit") {
         return RunEditScript(Arguments(args.begin() + 1, args.end()), host);
     }

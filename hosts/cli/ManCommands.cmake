@@ -1,7 +1,7 @@
 # Writes the COMMANDS section of the manual page from each command's own --help (the exit
 # codes, the same for every command, are left to the page's main text).
 #   cmake -DQVPLC=path/to/qvplc -DOUT=commands.h2m -P ManCommands.cmake
-set(commands "lib init" "lib tree" "lib show" "lib migrate" "lib new-manufacturer"
+set(commands "lib init" "lib tree" "lib check" "lib show" "lib migrate" "lib new-manufacturer"
     "lib new-series" "lib new-type" "lib new-module" "lib rename" "lib delete" "lib set-short"
     "lib set-module" "lib find" "lib term append" "lib term insert" "lib term delete"
     "lib term change" "lib term reorder" "lib edit" "draw" "batch" "check" "report" "settings show"
