@@ -2,7 +2,6 @@
 // the drawing dialog as 'qvplc draw' draws it; with --update only the modules whose library
 // rows or list rows changed are drawn again. qvplc check: which modules of drawings are out
 // of step with the library (and a list).
-#include <unistd.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -16,6 +15,7 @@
 #include "LibraryCheck.h"
 #include "Messages.h"
 #include "NetStep.h"
+#include "ProgressBar.h"
 #include "app/PlcRendalMain.h"
 #include "batch/Check.h"
 #include "batch/DrawingSet.h"
@@ -99,38 +99,6 @@ bool UsageError(const char* command, const std::string& message) {
                  message.c_str(), command);
     return false;
 }
-
-// A bar redrawn in place on a terminal; whole-percent lines otherwise, for logs.
-class ProgressPrinter {
-public:
-    ProgressPrinter() : terminal_(isatty(STDERR_FILENO) == 1) {}
-    ~ProgressPrinter() {
-        if (drawn_) {
-            std::fputc('\n', stderr);
-        }
-    }
-    void Show(std::size_t done, std::size_t total) {
-        const int percent = total == 0 ? 100 : static_cast<int>(done * 100 / total);
-        if (percent == last_) {
-            return;
-        }
-        last_ = percent;
-        if (terminal_) {
-            const int filled = percent * 40 / 100;
-            std::fprintf(stderr, "\r[%s%s] %3d%%", std::string(filled, '#').c_str(),
-                         std::string(40 - filled, ' ').c_str(), percent);
-            drawn_ = true;
-        } else {
-            Complainf("batch %d%%", percent);
-        }
-        std::fflush(stderr);
-    }
-
-private:
-    bool terminal_;
-    bool drawn_ = false;
-    int last_ = -1;
-};
 
 // The project file's rules, or the defaults; false after its faults were reported.
 bool LoadProject(const ParsedArgs& args, batch::Project& project) {
@@ -219,9 +187,12 @@ int RunBatchList(const ParsedArgs& args, CliHost& host) {
     options.listFile = listPath;
     options.update = args.Has("update");
     options.saveFormat = args.Value("save-format").value_or("48");
-    ProgressPrinter printer;
-    options.progress = [&printer](std::size_t done, std::size_t total) {
-        printer.Show(done, total);
+    ProgressBar bar;
+    options.progress = [&bar](std::size_t done, std::size_t total) {
+        const int percent = total == 0 ? 100 : static_cast<int>(done * 100 / total);
+        if (bar.Show(percent)) {
+            Complainf("batch %d%%", percent);
+        }
     };
     const batch::SetResult result = batch::DrawSet(drawer, plan, project, options);
     PrintEntries(result.entries);

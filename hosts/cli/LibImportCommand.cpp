@@ -1,6 +1,5 @@
 // qvplc lib import: fills the library from another CAD's PLC database (ace_plc.mdb) through
 // the same import the library editor runs, and says what it added and what it passed over.
-#include <unistd.h>
 
 #include <cstdio>
 #include <filesystem>
@@ -11,6 +10,7 @@
 #include "ExitCodes.h"
 #include "LibraryCheck.h"
 #include "Messages.h"
+#include "ProgressBar.h"
 #include "host/SuiteServices.h"
 #include "libedit/DlgDbImport.h"
 #include "plclib/PlcLib.h"
@@ -36,41 +36,17 @@ const CommandSpec kImportSpec{
     "Examples:\n  qvplc lib import /mnt/cad/PLC/ace_plc.mdb --dry-run\n"
     "  qvplc lib import /mnt/cad/PLC/ace_plc.mdb --yes --library ./QvPLC.db"};
 
-// A bar redrawn in place on a terminal; whole-percent lines otherwise, for logs.
-class ProgressPrinter {
-public:
-    ProgressPrinter() : terminal_(isatty(STDERR_FILENO) == 1) {}
-    ~ProgressPrinter() {
-        if (drawn_) {
-            std::fputc('\n', stderr);
-        }
+// The import's progress as a whole percent of its range, while its dialog shows.
+void ShowProgress(ProgressBar& bar, const CDlgImportProgress& progress) {
+    if (!progress.Visible()) {
+        return;
     }
-    void Show(const CDlgImportProgress& progress) {
-        if (!progress.Visible()) {
-            return;
-        }
-        const int span = progress.Upper() - progress.Lower();
-        const int percent = span <= 0 ? 100 : (progress.Pos() - progress.Lower()) * 100 / span;
-        if (percent == last_) {
-            return;
-        }
-        last_ = percent;
-        if (terminal_) {
-            const int filled = percent * 40 / 100;
-            std::fprintf(stderr, "\r[%s%s] %3d%%", std::string(filled, '#').c_str(),
-                         std::string(40 - filled, ' ').c_str(), percent);
-            drawn_ = true;
-        } else {
-            Complainf("import %d%%", percent);
-        }
-        std::fflush(stderr);
+    const int span = progress.Upper() - progress.Lower();
+    const int percent = span <= 0 ? 100 : (progress.Pos() - progress.Lower()) * 100 / span;
+    if (bar.Show(percent)) {
+        Complainf("import %d%%", percent);
     }
-
-private:
-    bool terminal_;
-    bool drawn_ = false;
-    int last_ = -1;
-};
+}
 
 std::string TargetPath(const ParsedArgs& args) {
     if (auto path = args.Value("library")) {
@@ -101,8 +77,8 @@ int Import(const ParsedArgs& args, CliHost& host) {
     dlg.pauseAfterDone = nullptr;
     bool done = false;
     {
-        ProgressPrinter printer;
-        dlg.progress.onChange = [&printer](const CDlgImportProgress& p) { printer.Show(p); };
+        ProgressBar bar;
+        dlg.progress.onChange = [&bar](const CDlgImportProgress& p) { ShowProgress(bar, p); };
         done = dlg.OnOK();
     }
     std::printf("%s", libedit::FormatReport(dlg.report, dlg.dryRun).c_str());
