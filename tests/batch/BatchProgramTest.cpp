@@ -15,29 +15,14 @@ namespace fs = std::filesystem;
 using testing_support::ReadFile;
 using testing_support::WriteFile;
 
-struct Outcome {
-    int code = -1;
-    std::string out, err;
-};
+using Outcome = testing_support::ProgramOutcome;
 
 class BatchProgramTest : public testing::Test {
 protected:
     void SetUp() override { ASSERT_EQ(Qvplc("lib init --sample").code, 0); }
 
     Outcome Qvplc(const std::string& args) {
-        const std::string command =
-            "env -u LC_ALL -u LC_MESSAGES LANG=C.UTF-8 ZANDRIX_INSTALL_STYLE=0 "
-            "ZANDRIX_LOCAL_DIR='" +
-            (dir_ / "local").string() + "' ZANDRIX_COMMON_DIR='" +
-            testing_support::CommonResDir().string() + "' '" +
-            (testing_support::BinaryDir() / "bin/qvplc").string() + "' " + args + " >'" +
-            (dir_ / "stdout").string() + "' 2>'" + (dir_ / "stderr").string() + "'";
-        const int status = std::system(command.c_str());
-        Outcome run;
-        run.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        run.out = ReadFile(dir_ / "stdout");
-        run.err = ReadFile(dir_ / "stderr");
-        return run;
+        return testing_support::RunQvplc(dir_ / "local", args, dir_.Path());
     }
     std::string List(const std::string& rows) {
         WriteFile(dir_ / "io.csv", "tag;rack;slot;module;channel;signal\n" + rows);

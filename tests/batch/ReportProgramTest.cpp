@@ -18,10 +18,7 @@ namespace fs = std::filesystem;
 using testing_support::ReadFile;
 using testing_support::WriteFile;
 
-struct Outcome {
-    int code = -1;
-    std::string out, err;
-};
+using Outcome = testing_support::ProgramOutcome;
 
 const std::string kDi = "Norvik Controls/NX 10/Digital input/NX1-DI16";
 const std::string kAi = "Norvik Controls/NX 10/Analog input/NX1-AI8";
@@ -29,20 +26,10 @@ const std::string kAi = "Norvik Controls/NX 10/Analog input/NX1-AI8";
 class ReportProgramTest : public testing::Test {
 protected:
     Outcome Run(const std::string& command) {
-        const int status = std::system((command + " >'" + (dir_ / "stdout").string() + "' 2>'" +
-                                        (dir_ / "stderr").string() + "'")
-                                           .c_str());
-        Outcome run;
-        run.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        run.out = ReadFile(dir_ / "stdout");
-        run.err = ReadFile(dir_ / "stderr");
-        return run;
+        return testing_support::RunCaptured(command, dir_.Path());
     }
     Outcome Qvplc(const std::string& args) {
-        return Run("env LANG=C.UTF-8 ZANDRIX_INSTALL_STYLE=0 ZANDRIX_LOCAL_DIR='" +
-                   (dir_ / "local").string() + "' ZANDRIX_COMMON_DIR='" +
-                   testing_support::CommonResDir().string() + "' '" +
-                   (testing_support::BinaryDir() / "bin/qvplc").string() + "' " + args);
+        return testing_support::RunQvplc(dir_ / "local", args, dir_.Path());
     }
     // Runs a Python program with the system's interpreter (openpyxl, ezdxf).
     Outcome Python(const std::string& program) {

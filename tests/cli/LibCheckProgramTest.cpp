@@ -14,30 +14,17 @@ namespace {
 using testing_support::ReadFile;
 using testing_support::WriteFile;
 
-struct Outcome {
-    int code = -1;
-    std::string out, err;
-};
+using Outcome = testing_support::ProgramOutcome;
 
 class LibCheckProgramTest : public testing::Test {
 protected:
     void SetUp() override { ASSERT_EQ(Qvplc("lib init --sample").code, 0); }
 
     Outcome Run(const std::string& command) {
-        const int status = std::system((command + " >'" + (dir_ / "stdout").string() + "' 2>'" +
-                                        (dir_ / "stderr").string() + "'")
-                                           .c_str());
-        Outcome run;
-        run.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
-        run.out = ReadFile(dir_ / "stdout");
-        run.err = ReadFile(dir_ / "stderr");
-        return run;
+        return testing_support::RunCaptured(command, dir_.Path());
     }
     Outcome Qvplc(const std::string& args) {
-        return Run("env LANG=C.UTF-8 ZANDRIX_INSTALL_STYLE=0 ZANDRIX_LOCAL_DIR='" +
-                   (dir_ / "local").string() + "' ZANDRIX_COMMON_DIR='" +
-                   testing_support::CommonResDir().string() + "' '" +
-                   (testing_support::BinaryDir() / "bin/qvplc").string() + "' " + args);
+        return testing_support::RunQvplc(dir_ / "local", args, dir_.Path());
     }
     std::string Library() const { return (dir_ / "local/PLC/QvPLC.db").string(); }
 

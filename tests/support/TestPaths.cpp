@@ -1,25 +1,33 @@
 #include "TestPaths.h"
 
+#include <sys/wait.h>
+#include <unistd.h>
 #include <array>
 #include <cstdio>
 #include <cstdlib>
 #include <fstream>
 #include <iterator>
-#include <sys/wait.h>
-#include <unistd.h>
 
 namespace testing_support {
 
-std::filesystem::path SourceDir() { return QV_SOURCE_DIR; }
-std::filesystem::path BinaryDir() { return QV_BINARY_DIR; }
-std::filesystem::path CommonResDir() { return QV_TEST_COMMON_RES_DIR; }
+std::filesystem::path SourceDir() {
+    return QV_SOURCE_DIR;
+}
+std::filesystem::path BinaryDir() {
+    return QV_BINARY_DIR;
+}
+std::filesystem::path CommonResDir() {
+    return QV_TEST_COMMON_RES_DIR;
+}
 
 std::filesystem::path SharedFixturesDir() {
     const auto dir = SourceDir().parent_path() / "shared" / "fixtures";
     return std::filesystem::is_directory(dir) ? dir : std::filesystem::path();
 }
 
-std::string Python() { return QV_TEST_PYTHON; }
+std::string Python() {
+    return QV_TEST_PYTHON;
+}
 
 TempDir::TempDir() {
     std::string pattern = (std::filesystem::temp_directory_path() / "qvtest.XXXXXX").string();
@@ -68,6 +76,27 @@ int RunCommand(const std::string& command, std::string* output) {
         *output = text;
     }
     return WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+}
+
+ProgramOutcome RunCaptured(const std::string& command, const std::filesystem::path& scratch) {
+    const auto out = scratch / "run.stdout", err = scratch / "run.stderr";
+    const int status =
+        std::system((command + " >'" + out.string() + "' 2>'" + err.string() + "'").c_str());
+    ProgramOutcome run;
+    run.code = WIFEXITED(status) ? WEXITSTATUS(status) : -1;
+    run.out = ReadFile(out);
+    run.err = ReadFile(err);
+    return run;
+}
+
+ProgramOutcome RunQvplc(const std::filesystem::path& localDir, const std::string& args,
+                        const std::filesystem::path& scratch) {
+    return RunCaptured(
+        "env -u LC_ALL -u LC_MESSAGES LANG=C.UTF-8 ZANDRIX_INSTALL_STYLE=0 "
+        "ZANDRIX_LOCAL_DIR='" +
+            localDir.string() + "' ZANDRIX_COMMON_DIR='" + CommonResDir().string() + "' '" +
+            (BinaryDir() / "bin/qvplc").string() + "' " + args,
+        scratch);
 }
 
 std::string ReadFile(const std::filesystem::path& path) {

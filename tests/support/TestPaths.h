@@ -47,6 +47,18 @@ private:
 // Runs a shell command; returns its exit status and fills `output` with stdout+stderr.
 int RunCommand(const std::string& command, std::string* output = nullptr);
 
+// What a program run left: its exit status and its standard output and error apart.
+struct ProgramOutcome {
+    int code = -1;
+    std::string out, err;
+};
+// Runs a shell command with its standard output and error caught in files of `scratch`.
+ProgramOutcome RunCaptured(const std::string& command, const std::filesystem::path& scratch);
+// Runs the built qvplc as a single workstation with the local folder `localDir`, the build's
+// common resources and an English locale.
+ProgramOutcome RunQvplc(const std::filesystem::path& localDir, const std::string& args,
+                        const std::filesystem::path& scratch);
+
 std::string ReadFile(const std::filesystem::path& path);
 void WriteFile(const std::filesystem::path& path, const std::string& content);
 
